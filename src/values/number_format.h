@@ -25,8 +25,11 @@ std::size_t formatDefault(std::span<char> out, double x);
 // The room that formatGeneral needs for a precision and a width, as given to it.
 constexpr std::size_t generalNumberSize(int precision, int width) {
   // Sign, point, four leading zeros ("0.0001") or "e-308" beside the digits: 7 bytes at most.
-  const int natural = (precision < 0 ? 6 : precision == 0 ? 1 : precision) + 7;
-  return static_cast<std::size_t>(natural > width ? natural : width);
+  const std::size_t digits = static_cast<std::size_t>(precision < 0    ? 6
+                                                      : precision == 0 ? 1
+                                                                       : precision);
+  const std::size_t padded = static_cast<std::size_t>(width < 0 ? 0 : width);
+  return digits + 7 > padded ? digits + 7 : padded;
 }
 
 // Writes x as "%{width}.{precision}g" and returns the number of bytes. A negative precision means 6
@@ -56,6 +59,18 @@ double roundSignificant(double x, int digits);
 // bits. Not-a-number and values beyond 64 bits give 0.
 signed char truncateToByte(double x);
 
+// What stands between the percent sign and the letter of a conversion, and the letter.
+struct NumberConversion {
+  char letter = 0;  // 0: the text has no conversion
+  int width = 0;
+  int precision = -1;      // -1: none given
+  bool left = false;       // flag -
+  bool plus = false;       // flag +
+  bool blank = false;      // flag blank
+  bool alternate = false;  // flag #
+  bool zeros = false;      // flag 0
+};
+
 // A format text that a program gives for its next number, such as "%8.3f mm": plain text with "%%"
 // for a percent sign and at most one conversion
 //
@@ -64,13 +79,13 @@ signed char truncateToByte(double x);
 // flags: - + blank # 0. Width and precision: at most 255. Length letters h l L q j z t: ignored,
 // since every value is a double. Letters:
 //
-//   d i           the value truncated to a signed 64-bit number
-//   u o x X       the value truncated to 64 bits, a negative one as its two's complement
-//   c             the value truncated to a signed byte, written as that byte
+//   d i               the value truncated to a signed 64-bit number
+//   u o x X           the value truncated to 64 bits, a negative one as its two's complement
+//   c                 the value truncated to a signed byte, written as that byte
 //   e E f F g G a A   the value itself
 //
-// A value that 64 bits cannot hold, and not-a-number, are written by the whole-number letters as
-// with g in the same width and with the same flags but #.
+// A value that 64 bits cannot hold, and not-a-number, are written by the letters of whole numbers
+// as with g in the same width and with the same flags but #.
 class NumberFormat {
  public:
   // Takes the text apart. Nothing when it holds a second conversion, another letter, "*", an
@@ -84,18 +99,9 @@ class NumberFormat {
  private:
   NumberFormat() = default;
 
-  void appendFloating(std::string& out, double x) const;
-  void appendWhole(std::string& out, double x) const;
-  void appendPadded(std::string& out, std::string_view sign, std::string_view body,
-                    bool zerosAllowed) const;
-  std::string_view signFor(bool negative) const;
-
   std::string m_Text;              // the plain text, "%%" already one "%"
   std::size_t m_PrefixLength = 0;  // how much of it stands before the conversion
-  char m_Letter = 0;               // 0: no conversion
-  int m_Width = 0;
-  int m_Precision = -1;  // -1: none given
-  bool m_Left = false, m_Plus = false, m_Blank = false, m_Alternate = false, m_Zeros = false;
+  NumberConversion m_Conversion;
 };
 
 }  // namespace vexa

@@ -1,0 +1,27 @@
+#pragma once
+
+// Declaration statements; the cursor stands at the type word and after the `;` on return.
+
+#include <string_view>
+
+#include "interp/name_pool.h"
+
+namespace vexa {
+
+// Whether a token class is one of the five type words.
+bool isTypeWord(int tokenClass);
+
+// Inside a function body: one record on the locals stack for each declared name.
+void executeLocalDeclaration();
+// At the top level: global variables in the name table.
+void executeGlobalDeclaration();
+
+// Raises the name conflict (keys 17, 18, 19 or 21) of a name that the table knows; outside an
+// evaluation the message is shown instead. True when the name is free.
+bool checkNewName(std::string_view name);
+// The same for names that may hide a global variable.
+void checkConflicts(std::string_view name, bool globalsAllowed);
+// A float by name: existing, or new after checkNewName. A matrix raises key 69 and gives null.
+Symbol* makeFloat(std::string_view name);
+
+}  // namespace vexa

@@ -1,0 +1,40 @@
+#pragma once
+
+// Text on its way to the current output document, or to whatever collects it instead.
+
+#include <string>
+#include <string_view>
+
+namespace vexa {
+
+inline constexpr char lineAppend = 0;
+inline constexpr char lineWhole = 'L';
+inline constexpr char lineTitle = 'B';
+
+// Where printed text goes. The line modes are those of TextDocument::write.
+class TextSink {
+ public:
+  virtual ~TextSink() = default;
+  virtual void write(std::string_view text, char mode) = 0;
+};
+
+// Collects what would be printed; lines end with a line feed.
+class StringSink : public TextSink {
+ public:
+  void write(std::string_view text, char mode) override;
+  const std::string& text() const { return m_text; }
+
+ private:
+  std::string m_text;
+};
+
+// The current output document; chooses or creates one at the first text when none is chosen.
+TextSink& outputSink();
+
+inline void writeOutput(std::string_view text, char mode = lineAppend) {
+  outputSink().write(text, mode);
+}
+// Ends the current line; on an empty line that gives an empty line.
+inline void endOutputLine() { outputSink().write({}, lineWhole); }
+
+}  // namespace vexa

@@ -1,0 +1,24 @@
+#pragma once
+
+// The course of a run, from the Execute command to its end, and the program update.
+
+#include "interp/shell.h"
+
+namespace vexa {
+
+// The Execute command. False when nothing was started.
+bool executeProgram(TextDocument& program);
+// Chooses where printed text goes: mode 1 takes the active document, mode 2 finds or creates one.
+bool chooseOutputDocument(int mode);
+// Starts the prepared program text: reset, pre-scan, `main`. False without `main` and functions.
+bool startRun();
+void resetInterpreterState();
+// Registers the text's declarations and functions.
+void preScan();
+// Shows the warnings about unbalanced brackets.
+void checkBalance();
+// Registers the functions of the changed program text, so that calculators may call them. True
+// when the functions are current.
+bool updateProgram();
+
+}  // namespace vexa

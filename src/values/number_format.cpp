@@ -1,0 +1,473 @@
+#include "values/number_format.h"
+
+#include <algorithm>
+#include <array>
+#include <cfloat>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+namespace vexa {
+
+namespace {
+
+// One operation on doubles is one rounding; the exactness arguments below rest on that.
+static_assert(FLT_EVAL_METHOD == 0 && std::numeric_limits<double>::is_iec559);
+
+// The powers of ten that a double holds exactly: 10^22 = 2^22 * 5^22 and 5^22 < 2^53.
+constexpr double kExactPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                   1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                   1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+constexpr int kLargestExactPower = 22;
+
+constexpr double kTwoTo63 = 9223372036854775808.0;
+constexpr double kTwoTo64 = 18446744073709551616.0;
+
+constexpr int kDefaultPrecision = 6;
+constexpr int kLargestFormatNumber = 255;  // of the width and the precision of a NumberFormat
+
+// The longest text of a number that NumberFormat makes: "%.255f" of the largest double has 309
+// digits, a point and 255 more.
+constexpr std::size_t kLongestBody = 309 + 1 + kLargestFormatNumber + 1;
+
+bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
+//--- Writing ---------------------------------------------------------------------------------
+
+char* writeDigits(char* out, std::uint32_t value) {
+  return std::to_chars(out, out + 10, value).ptr;
+}
+
+// The leading decimal digits of a positive number: digits * 10^(exponent + 1 - count of digits).
+struct LeadingDigits {
+  std::uint32_t digits;
+  int exponent;  // of the first digit
+};
+
+// Finds the first `precision` (1 to 9) digits of a, correctly rounded, with a few operations on
+// doubles; nothing when these cannot tell how to round.
+//
+// a is brought to precision digits before the point by one multiplication with or division by an
+// exact power of ten, so the scaled value is off by at most 2^-53 of itself, which is below 1.2e-7
+// for values below 10^9. Its digits after the point decide the rounding unless they come near one
+// half; "near" is 1e-6, far more than the error, and leaves ties to the exact routine.
+std::optional<LeadingDigits> quickDigits(double a, int precision) {
+  std::uint64_t bits;
+  std::memcpy(&bits, &a, sizeof bits);
+  const int binaryExponent = static_cast<int>(bits >> 52) - 1023;
+  // floor(binaryExponent * log10(2)), right for all exponents used here. The first digit stands
+  // there or one place higher.
+  int exponent = (binaryExponent * 1233) >> 12;
+
+  const double limit = kExactPowers[precision];
+  double scaled = 0.0;
+  for (;; ++exponent) {
+    const int shift = precision - 1 - exponent;
+    if (shift > kLargestExactPower || shift < -kLargestExactPower) return std::nullopt;
+    scaled = shift >= 0 ? a * kExactPowers[shift] : a / kExactPowers[-shift];
+    if (scaled < limit) break;
+  }
+
+  auto digits = static_cast<std::uint32_t>(scaled);
+  const double rest = scaled - static_cast<double>(digits);  // exact
+  if (std::fabs(rest - 0.5) < 1e-6) return std::nullopt;
+  if (rest > 0.5 && static_cast<double>(++digits) == limit) {
+    digits /= 10;
+    ++exponent;
+  }
+  return LeadingDigits{digits, exponent};
+}
+
+// Lays digits out as "%g" does: without trailing zeros, with an exponent when it is below -4 or
+// not below the precision.
+char* writeLeadingDigits(char* out, LeadingDigits number, int precision) {
+  auto [digits, exponent] = number;
+  int count = precision;
+  while (digits % 10 == 0) {
+    digits /= 10;
+    --count;
+  }
+  char text[10];
+  writeDigits(text, digits);
+
+  if (exponent < -4 || exponent >= precision) {
+    *out++ = text[0];
+    if (count > 1) {
+      *out++ = '.';
+      out = std::copy(text + 1, text + count, out);
+    }
+    *out++ = 'e';
+    *out++ = exponent < 0 ? '-' : '+';
+    const auto magnitude = static_cast<std::uint32_t>(exponent < 0 ? -exponent : exponent);
+    if (magnitude < 10) *out++ = '0';
+    return writeDigits(out, magnitude);
+  }
+  if (exponent < 0) {
+    *out++ = '0';
+    *out++ = '.';
+    out = std::fill_n(out, -exponent - 1, '0');
+    return std::copy(text, text + count, out);
+  }
+  const int whole = exponent + 1;
+  if (count <= whole) {
+    out = std::copy(text, text + count, out);
+    return std::fill_n(out, whole - count, '0');
+  }
+  out = std::copy(text, text + whole, out);
+  *out++ = '.';
+  return std::copy(text + whole, text + count, out);
+}
+
+// "%.{precision}g" of x, for a precision of 1 or more and room for precision + 7 bytes.
+char* writeGeneral(char* out, double x, int precision) {
+  if (std::isnan(x)) return std::copy_n("nan", 3, out);
+  if (std::signbit(x)) *out++ = '-';
+  const double a = std::fabs(x);
+  if (std::isinf(a)) return std::copy_n("inf", 3, out);
+  if (a == 0.0) {
+    *out++ = '0';
+    return out;
+  }
+  if (precision <= 9) {
+    // Most numbers that programs print are small and whole.
+    if (a < kExactPowers[precision]) {
+      const auto whole = static_cast<std::uint32_t>(a);
+      if (static_cast<double>(whole) == a) return writeDigits(out, whole);
+    }
+    if (const auto number = quickDigits(a, precision)) {
+      return writeLeadingDigits(out, *number, precision);
+    }
+  }
+  return std::to_chars(out, out + precision + 7, a, std::chars_format::general, precision).ptr;
+}
+
+// Moves the `length` bytes at out to the right end of a field. Returns the length of the field.
+std::size_t padLeft(char* out, std::size_t length, int width) {
+  if (width <= 0 || length >= static_cast<std::size_t>(width)) return length;
+  const std::size_t padding = static_cast<std::size_t>(width) - length;
+  std::memmove(out + padding, out, length);
+  std::memset(out, ' ', padding);
+  return length + padding;
+}
+
+}  // namespace
+
+std::size_t formatDefault(std::span<char> out, double x) {
+  if (out.size() < kDefaultNumberSize) return 0;
+  out[0] = ' ';
+  return 1 + formatGeneral(out.subspan(1), x, kDefaultPrecision, 11);
+}
+
+std::size_t formatGeneral(std::span<char> out, double x, int precision, int width) {
+  if (out.size() < generalNumberSize(precision, width)) return 0;
+  if (precision < 0) precision = kDefaultPrecision;
+  const char* end = writeGeneral(out.data(), x, std::max(precision, 1));
+  return padLeft(out.data(), static_cast<std::size_t>(end - out.data()), width);
+}
+
+std::size_t formatInteger(std::span<char> out, std::int64_t value, int width) {
+  constexpr std::size_t longest = 20;  // "-9223372036854775808"
+  if (out.size() < longest || (width > 0 && out.size() < static_cast<std::size_t>(width))) return 0;
+  const char* end = std::to_chars(out.data(), out.data() + longest, value).ptr;
+  return padLeft(out.data(), static_cast<std::size_t>(end - out.data()), width);
+}
+
+//--- Reading ---------------------------------------------------------------------------------
+
+namespace {
+
+// A number's text, read once from the left.
+struct ScannedNumber {
+  std::size_t length = 0;      // 0: the text does not begin with a number
+  std::uint64_t mantissa = 0;  // all digits as a whole number, meaningful for up to 19 of them
+  int digits = 0;              // how many of them from the first that is not 0
+  int scale = 0;               // how many of them stand after the point
+  int exponent = 0;            // the number after the exponent letter, held to +-1000000
+};
+
+ScannedNumber scanNumber(std::string_view text) {
+  ScannedNumber number;
+  const char* const begin = text.data();
+  const char* const end = begin + text.size();
+  const char* p = begin;
+  bool any = false;
+  const auto takeDigits = [&] {
+    for (; p != end && isDigit(*p); ++p) {
+      any = true;
+      number.mantissa = number.mantissa * 10 + static_cast<std::uint64_t>(*p - '0');
+      if (number.mantissa != 0 || number.digits != 0) ++number.digits;
+    }
+  };
+  takeDigits();
+  if (p != end && *p == '.') {
+    const char* const point = p++;
+    takeDigits();
+    number.scale = static_cast<int>(p - point) - 1;
+  }
+  if (!any) return number;
+  if (p != end && (*p == 'e' || *p == 'E')) {
+    ++p;
+    bool negative = false;
+    if (p != end && (*p == '+' || *p == '-')) negative = *p++ == '-';
+    for (; p != end && isDigit(*p); ++p) {
+      number.exponent = std::min(number.exponent * 10 + (*p - '0'), 1000000);
+    }
+    if (negative) number.exponent = -number.exponent;
+  }
+  number.length = static_cast<std::size_t>(p - begin);
+  return number;
+}
+
+double valueOf(const ScannedNumber& number, std::string_view text) {
+  // A whole number up to 2^53 and a power of ten up to 10^22 are exact doubles, so their product or
+  // quotient is rounded once: the nearest double to the number that the text means.
+  const int power = number.exponent - number.scale;
+  if (number.digits <= 19 && number.mantissa <= (std::uint64_t{1} << 53)) {
+    const auto mantissa = static_cast<double>(number.mantissa);
+    if (mantissa == 0.0) return 0.0;
+    if (power >= 0 && power <= kLargestExactPower) return mantissa * kExactPowers[power];
+    if (power < 0 && power >= -kLargestExactPower) return mantissa / kExactPowers[-power];
+  }
+  double value = 0.0;
+  const auto result = std::from_chars(text.data(), text.data() + number.length, value);
+  if (result.ec == std::errc::result_out_of_range) {
+    // Too large or too small is told by the place of the first digit.
+    return number.digits + power > 0 ? std::numeric_limits<double>::infinity() : 0.0;
+  }
+  return value;
+}
+
+}  // namespace
+
+double parseNumber(std::string_view digits) {
+  return valueOf(scanNumber(digits), digits);
+}
+
+std::optional<double> textToNumber(std::string_view text) {
+  constexpr std::string_view blanks = " \t";
+  const std::size_t first = text.find_first_not_of(blanks);
+  if (first == std::string_view::npos) return std::nullopt;
+  text = text.substr(first, text.find_last_not_of(blanks) + 1 - first);
+
+  const bool negative = text[0] == '-';
+  if (negative || text[0] == '+') text.remove_prefix(1);
+  // A point begins a number only when a digit follows.
+  if (text.size() >= 2 && text[0] == '.' && !isDigit(text[1])) return std::nullopt;
+  const ScannedNumber number = scanNumber(text);
+  if (number.length == 0 || number.length != text.size()) return std::nullopt;
+  const double value = valueOf(number, text);
+  return negative ? -value : value;
+}
+
+double roundSignificant(double x, int digits) {
+  if (!std::isfinite(x)) return x;
+  digits = digits < 0 ? kDefaultPrecision : std::clamp(digits, 1, 17);  // 17 tell all doubles apart
+  std::array<char, generalNumberSize(17, 0)> text;
+  const char* end = writeGeneral(text.data(), x, digits);
+  return *textToNumber({text.data(), end});
+}
+
+signed char truncateToByte(double x) {
+  if (!(std::fabs(x) < kTwoTo63)) return 0;
+  return static_cast<signed char>(static_cast<std::int64_t>(x) & 0xff);
+}
+
+//--- User formats ----------------------------------------------------------------------------
+
+namespace {
+
+void makeUpper(char* begin, char* end) {
+  std::transform(begin, end, begin, [](char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+  });
+}
+
+// A sign or base mark, then digits, in a field. Zeros go between the two, blanks around both.
+void appendPadded(std::string& out, const NumberConversion& c, std::string_view lead,
+                  std::string_view body, bool padWithZeros) {
+  const std::size_t length = lead.size() + body.size();
+  const auto width = static_cast<std::size_t>(c.width);
+  const std::size_t padding = width > length ? width - length : 0;
+  padWithZeros = padWithZeros && !c.left;
+  if (!c.left && !padWithZeros) out.append(padding, ' ');
+  out.append(lead);
+  if (padWithZeros) out.append(padding, '0');
+  out.append(body);
+  if (c.left) out.append(padding, ' ');
+}
+
+std::string_view signText(const NumberConversion& c, bool negative) {
+  return negative ? "-" : c.plus ? "+" : c.blank ? " " : "";
+}
+
+// The '#' form of "%g": the digits are not stripped of their zeros and there is always a point.
+char* writeGeneralKeepingZeros(char* begin, char* limit, double a, int precision) {
+  char* end = std::to_chars(begin, limit, a, std::chars_format::scientific, precision - 1).ptr;
+  const char* letter = std::find(begin, end, 'e');
+  int exponent = 0;
+  std::from_chars(letter[1] == '+' ? letter + 2 : letter + 1, end, exponent);
+  if (exponent < -4 || exponent >= precision) return end;
+  return std::to_chars(begin, limit, a, std::chars_format::fixed, precision - 1 - exponent).ptr;
+}
+
+// The '#' flag wants a point in every number: behind the digits, before the exponent.
+char* insertMissingPoint(char* begin, char* end, char exponentLetter) {
+  if (std::find(begin, end, '.') != end) return end;
+  char* place = std::find(begin, end, exponentLetter);
+  std::copy_backward(place, end, end + 1);
+  *place = '.';
+  return end + 1;
+}
+
+void appendFloating(std::string& out, const NumberConversion& c, double x) {
+  const bool upper = c.letter >= 'A' && c.letter <= 'Z';
+  const char letter = upper ? static_cast<char>(c.letter - 'A' + 'a') : c.letter;
+  const std::string_view sign = signText(c, std::signbit(x) && !std::isnan(x));
+  const double a = std::fabs(x);
+  if (!std::isfinite(x)) {
+    appendPadded(out, c, sign, std::isnan(x) ? (upper ? "NAN" : "nan") : (upper ? "INF" : "inf"),
+                 false);
+    return;
+  }
+
+  std::array<char, kLongestBody> body;
+  char* const begin = body.data();
+  char* const limit = begin + body.size() - 1;  // the last byte is for a missing point
+  char* end = begin;
+  const int precision = c.precision < 0 ? kDefaultPrecision : c.precision;
+  std::string lead(sign);
+  switch (letter) {
+    case 'e':
+      end = std::to_chars(begin, limit, a, std::chars_format::scientific, precision).ptr;
+      break;
+    case 'f':
+      end = std::to_chars(begin, limit, a, std::chars_format::fixed, precision).ptr;
+      break;
+    case 'g':
+      end = c.alternate ? writeGeneralKeepingZeros(begin, limit, a, std::max(precision, 1))
+                        : writeGeneral(begin, a, std::max(precision, 1));
+      break;
+    default:  // 'a'
+      lead += upper ? "0X" : "0x";
+      end = c.precision < 0
+                ? std::to_chars(begin, limit, a, std::chars_format::hex).ptr
+                : std::to_chars(begin, limit, a, std::chars_format::hex, c.precision).ptr;
+      break;
+  }
+  if (c.alternate) end = insertMissingPoint(begin, end, letter == 'a' ? 'p' : 'e');
+  if (upper) makeUpper(begin, end);
+  appendPadded(out, c, lead, {begin, end}, c.zeros);
+}
+
+void appendWhole(std::string& out, const NumberConversion& c, double x) {
+  const bool isSigned = c.letter == 'd' || c.letter == 'i';
+  if (!(x >= -kTwoTo63 && x < (isSigned ? kTwoTo63 : kTwoTo64))) {
+    NumberConversion general = c;
+    general.letter = 'g';
+    general.precision = -1;
+    general.alternate = false;
+    appendFloating(out, general, x);
+    return;
+  }
+
+  std::uint64_t value = x < 0 ? static_cast<std::uint64_t>(static_cast<std::int64_t>(x))
+                              : static_cast<std::uint64_t>(x);
+  std::string_view lead;
+  if (isSigned) {
+    const bool negative = static_cast<std::int64_t>(value) < 0;
+    lead = signText(c, negative);
+    if (negative) value = ~value + 1;
+  }
+  const int base = c.letter == 'o' ? 8 : c.letter == 'x' || c.letter == 'X' ? 16 : 10;
+  if (c.alternate && base == 16 && value != 0) lead = c.letter == 'x' ? "0x" : "0X";
+
+  // The precision is the least number of digits. "#" makes sure that an octal number begins with 0,
+  // also where a precision of 0 would write nothing for the value 0.
+  std::array<char, kLargestFormatNumber + 1> body;
+  char digits[22];
+  char* digitsEnd = value == 0 && c.precision == 0
+                        ? digits
+                        : std::to_chars(digits, std::end(digits), value, base).ptr;
+  if (c.letter == 'X') makeUpper(digits, digitsEnd);
+  const auto count = static_cast<int>(digitsEnd - digits);
+  int zeros = std::max(c.precision - count, 0);
+  if (c.alternate && base == 8 && zeros == 0 && (count == 0 || digits[0] != '0')) zeros = 1;
+  char* end = std::copy(digits, digitsEnd, std::fill_n(body.data(), zeros, '0'));
+  appendPadded(out, c, lead, {body.data(), end}, c.zeros && c.precision < 0);
+}
+
+// Reads a width or precision; false when it is above the limit.
+bool readFormatNumber(std::string_view text, std::size_t& at, int& number) {
+  number = 0;
+  for (; at < text.size() && isDigit(text[at]); ++at) {
+    number = number * 10 + (text[at] - '0');
+    if (number > kLargestFormatNumber) return false;
+  }
+  return true;
+}
+
+// Reads the conversion whose percent sign stands before `at`.
+std::optional<NumberConversion> readConversion(std::string_view text, std::size_t& at) {
+  NumberConversion c;
+  for (; at < text.size(); ++at) {
+    bool* flag = text[at] == '-'   ? &c.left
+                 : text[at] == '+' ? &c.plus
+                 : text[at] == ' ' ? &c.blank
+                 : text[at] == '#' ? &c.alternate
+                 : text[at] == '0' ? &c.zeros
+                                   : nullptr;
+    if (!flag) break;
+    *flag = true;
+  }
+  if (!readFormatNumber(text, at, c.width)) return std::nullopt;
+  if (at < text.size() && text[at] == '.') {
+    ++at;
+    if (!readFormatNumber(text, at, c.precision)) return std::nullopt;
+  }
+  at = std::min(text.find_first_not_of("hlLqjzt", at), text.size());
+  if (at == text.size() || std::string_view("diuoxXceEfFgGaA").find(text[at]) == text.npos) {
+    return std::nullopt;
+  }
+  c.letter = text[at++];
+  return c;
+}
+
+}  // namespace
+
+std::optional<NumberFormat> NumberFormat::parse(std::string_view text) {
+  NumberFormat format;
+  for (std::size_t at = 0; at < text.size();) {
+    const char c = text[at++];
+    if (c != '%') {
+      format.m_Text += c;
+    } else if (at < text.size() && text[at] == '%') {
+      format.m_Text += '%';
+      ++at;
+    } else {
+      const auto conversion = readConversion(text, at);
+      if (!conversion || format.m_Conversion.letter != 0) return std::nullopt;
+      format.m_Conversion = *conversion;
+      format.m_PrefixLength = format.m_Text.size();
+    }
+  }
+  return format;
+}
+
+void NumberFormat::append(std::string& out, double x) const {
+  const NumberConversion& c = m_Conversion;
+  out.append(m_Text, 0, m_PrefixLength);
+  if (c.letter == 'c') {
+    const char byte = static_cast<char>(truncateToByte(x));
+    appendPadded(out, c, {}, {&byte, 1}, false);
+  } else if (std::string_view("diuoxX").find(c.letter) != std::string_view::npos) {
+    appendWhole(out, c, x);
+  } else if (c.letter != 0) {
+    appendFloating(out, c, x);
+  }
+  out.append(m_Text, m_PrefixLength);
+}
+
+}  // namespace vexa
