@@ -1,0 +1,65 @@
+#!/usr/bin/env python3
+"""Looks for what no formatter mends everywhere: tabs, blanks at line ends, odd line ends.
+
+Programs and expected outputs are bytes on purpose and left alone, except those of examples/.
+"""
+
+import os
+import subprocess
+import sys
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parent.parent
+TEXT = {".cpp", ".h", ".py", ".sh", ".md", ".txt", ".cmake", ".json", ".yml", ".vxp", ".desktop"}
+TEXT_NAMES = {"Makefile", "LICENSE", "run", "lint", ".clang-format", ".clang-tidy",
+              ".editorconfig", ".gitignore", ".gitattributes"}
+LEFT_ALONE = ("tests/programs/", "tests/data/")
+MAY_HAVE_TABS = {"Makefile"}
+LONGEST_LINE = {".cpp": 100, ".h": 100, ".py": 100}
+
+
+def files():
+    """Paths of the tree that version control knows or would take; all files without it."""
+    listed = subprocess.run(["git", "ls-files", "-z", "--cached", "--others",
+                             "--exclude-standard"], cwd=ROOT, capture_output=True)
+    if listed.returncode == 0 and listed.stdout:
+        return sorted(set(os.fsdecode(listed.stdout).split("\0")) - {""})
+    return sorted(str(path.relative_to(ROOT)) for path in ROOT.rglob("*")
+                  if path.is_file() and not path.is_relative_to(ROOT / "build"))
+
+
+def problems(name, data):
+    path = Path(name)
+    if b"\r" in data:
+        yield 1, "line ends other than LF"
+    if data and not data.endswith(b"\n"):
+        yield data.count(b"\n") + 1, "no line end at the end of the file"
+    if data.endswith(b"\n\n"):
+        yield data.count(b"\n"), "empty line at the end of the file"
+    longest = LONGEST_LINE.get(path.suffix)
+    for number, line in enumerate(data.split(b"\n"), start=1):
+        if line != line.rstrip():
+            yield number, "blank at the end of the line"
+        if b"\t" in line and path.name not in MAY_HAVE_TABS:
+            yield number, "tab"
+        if longest and len(line.decode("utf-8", errors="replace")) > longest:
+            yield number, f"longer than {longest} characters"
+
+
+def main():
+    found = 0
+    for name in files():
+        path = ROOT / name
+        wanted = path.suffix in TEXT or path.name in TEXT_NAMES
+        if not wanted or name.startswith(LEFT_ALONE) and path.suffix != ".md":
+            continue
+        if path.is_symlink() or not path.is_file():
+            continue
+        for line, problem in problems(name, path.read_bytes()):
+            print(f"{name}:{line}: {problem}")
+            found += 1
+    sys.exit(1 if found else 0)
+
+
+if __name__ == "__main__":
+    main()
