@@ -1,6 +1,10 @@
 #include "values/builtin_help.h"
 
 #include <array>
+#include <cstddef>
+
+#include "values/builtin_names.h"
+#include "values/keywords.h"
 
 namespace vexa {
 
@@ -172,8 +176,7 @@ constexpr std::array builtinRows = std::to_array<BuiltinHelp>({
     {"invert", matrices, "invert(A)", "Replaces a square matrix by its inverse."},
     {"ipmt", finance, "ipmt(r, k, n, pv [, fv [, type]])", "Interest part of payment k."},
     {"irr", finance, "irr(v [, guess])", "Internal rate of return of equally spaced cash flows."},
-    {"isvar", tools, "isvar(name)",
-     "What a name is: 0 no variable, 1 number, 3 matrix, 4 string."},
+    {"isvar", tools, "isvar(name)", "What a name is: 0 no variable, 1 number, 3 matrix, 4 string."},
     {"jacob", calculus, "jacob(v, J, f1 {, f})",
      "Matrix J of the derivatives of several expressions at the point v."},
     {"lcfit", fitting, "lcfit(t, x, y, a, f1 {, f})",
@@ -256,8 +259,7 @@ constexpr std::array builtinRows = std::to_array<BuiltinHelp>({
     {"plothistogram", plotting, "plothistogram(V [, n or edges] [, name] [, options])",
      "Histogram of values, or a box summary of each row."},
     {"plotline", plotting, "plotline(x1, y1, x2, y2)", "Straight line."},
-    {"plotlinearscale", plotting,
-     "plotlinearscale(x1, y1, x2, y2 [, v1, v2] [, options])",
+    {"plotlinearscale", plotting, "plotlinearscale(x1, y1, x2, y2 [, v1, v2] [, options])",
      "Linear axes of a new window; with six numbers a scale along a segment."},
     {"plotlogscale", plotting, "plotlogscale(x1, y1, x2, y2 [, v1, v2] [, options])",
      "Logarithmic axes of a new window; with six numbers a scale along a segment."},
@@ -343,8 +345,7 @@ constexpr std::array builtinRows = std::to_array<BuiltinHelp>({
     {"setcliprect", plotting, "setcliprect([x1, y1, x2, y2])",
      "Cuts what is drawn at a rectangle; without numbers at the picture again."},
     {"setop", plotting, "setop(options)", "Changes settings of the drawing and of plots."},
-    {"setorientation", plotting, "setorientation(opt)",
-     "Turns the page: P portrait, L landscape."},
+    {"setorientation", plotting, "setorientation(opt)", "Turns the page: P portrait, L landscape."},
     {"setpictposition", plotting, "setpictposition(x, y, w, h)",
      "Place and size of the picture on the page, in page widths."},
     {"setrange", plotting, "setrange(x1, y1, x2, y2)",
@@ -410,8 +411,7 @@ constexpr std::array builtinRows = std::to_array<BuiltinHelp>({
     {"yesno", messages, "yesno(item {, item})", "Asks a question: 1 for yes, 0 for no."},
     {"zero", matrices, "zero(m {, m}), zero(m[r,c])", "Sets all elements of a matrix to 0."},
     {"zeronew", matrices, "zeronew(m[r,c] {, m[r,c]})", "Makes new matrices of zeros."},
-    {"zoominpoint", plotting, "zoominpoint(x, y [, f])",
-     "Narrows the world window about a point."},
+    {"zoominpoint", plotting, "zoominpoint(x, y [, f])", "Narrows the world window about a point."},
     {"zoomnormal", plotting, "zoomnormal()", "Goes back to the window before the first zoom."},
     {"zoomoutpoint", plotting, "zoomoutpoint(x, y [, f])",
      "Widens the world window about a point."},
@@ -424,8 +424,7 @@ constexpr std::array statementRows = std::to_array<StatementHelp>({
      "Declares whole numbers: what is stored loses its decimals."},
     {"mat", "mat name[rows, columns] {, name[n]};",
      "Declares matrices of zeros; one index makes a row."},
-    {"string", "string name [= \"text\"] {, name};",
-     "Declares texts of up to 254 characters."},
+    {"string", "string name [= \"text\"] {, name};", "Declares texts of up to 254 characters."},
     {"break", "break;", "Leaves the innermost loop or switch."},
     {"case", "case value:", "A label of switch; execution begins at the first that is equal."},
     {"char", "char name [= expression] {, name [= expression]};",
@@ -453,25 +452,22 @@ constexpr std::array statementRows = std::to_array<StatementHelp>({
      "Text for the reader; comments do not nest."},
 });
 
-// `help sin` shows the signature first: it must be about the name that was asked for.
-constexpr bool everyRowIsFilled() {
-  for (const BuiltinHelp& row : builtinRows) {
-    if (row.group.empty() || row.text.empty() ||
-        row.signature.find(row.name) == std::string_view::npos) {
+// Row by row the names of the tables, and each signature about the name that is asked for.
+constexpr bool rowsMatchTheTables() {
+  for (std::size_t i = 0; i < builtinRows.size(); ++i) {
+    const BuiltinHelp& row = builtinRows[i];
+    if (row.name != builtinNames[i] || row.group.empty() || row.text.empty() ||
+        row.signature.find(row.name) == std::string_view::npos)
       return false;
-    }
   }
-  for (const StatementHelp& row : statementRows) {
-    if (row.signature.empty() || row.text.empty()) {
-      return false;
-    }
-  }
+  for (std::size_t i = 1; i < keywords.size(); ++i)
+    if (statementRows[i - 1].name != keywords[i]) return false;
   return true;
 }
 
-static_assert(builtinRows.size() == 240, "one row for every built-in");
-static_assert(statementRows.size() == 17 + 4, "the keywords and the forms without one");
-static_assert(everyRowIsFilled());
+static_assert(builtinRows.size() == builtinNames.size());
+static_assert(statementRows.size() >= keywords.size());
+static_assert(rowsMatchTheTables());
 
 }  // namespace
 
