@@ -33,6 +33,7 @@ struct BoxLayout {
   std::string caption;
   BoxIcon icon = BoxIcon::information;
   std::vector<BoxButton> buttons;
+  // The default button's answer; the first button's where none is the default.
   int defaultAnswer() const;
   // The answer of the button named by its text or first letter, ignoring case and "&"; the default
   // button's for anything else.
