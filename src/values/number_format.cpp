@@ -19,7 +19,7 @@ static_assert(FLT_EVAL_METHOD == 0 && std::numeric_limits<double>::is_iec559);
 constexpr double kExactPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                    1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
                                    1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
-constexpr int kLargestExactPower = 22;
+constexpr int kLargestExactPower = std::size(kExactPowers) - 1;
 
 constexpr double kTwoTo63 = 9223372036854775808.0;
 constexpr double kTwoTo64 = 18446744073709551616.0;
@@ -179,71 +179,81 @@ std::size_t formatInteger(std::span<char> out, std::int64_t value, int width) {
 
 namespace {
 
-// A number's text, read once from the left.
-struct ScannedNumber {
-  std::size_t length = 0;      // 0: the text does not begin with a number
-  std::uint64_t mantissa = 0;  // all digits as a whole number, meaningful for up to 19 of them
-  int digits = 0;              // how many of them from the first that is not 0
-  int scale = 0;               // how many of them stand after the point
-  int exponent = 0;            // the number after the exponent letter, held to +-1000000
-};
-
-ScannedNumber scanNumber(std::string_view text) {
-  ScannedNumber number;
-  const char* const begin = text.data();
-  const char* const end = begin + text.size();
-  const char* p = begin;
-  bool any = false;
-  const auto takeDigits = [&] {
-    for (; p != end && isDigit(*p); ++p) {
-      any = true;
-      number.mantissa = number.mantissa * 10 + static_cast<std::uint64_t>(*p - '0');
-      if (number.mantissa != 0 || number.digits != 0) ++number.digits;
+// Whether a number that no double can hold is too large, not too small: by the place of its first
+// digit that is not 0.
+bool isAboveOne(std::string_view number) {
+  const std::size_t letter = std::min(number.find_first_of("eE"), number.size());
+  const std::string_view digits = number.substr(0, letter);
+  const auto point = static_cast<std::int64_t>(std::min(digits.find('.'), digits.size()));
+  const auto first = static_cast<std::int64_t>(digits.find_first_not_of("0."));
+  std::int64_t exponent = 0;
+  bool negative = false;
+  for (std::size_t i = letter + 1; i < number.size(); ++i) {
+    if (isDigit(number[i])) {
+      exponent = std::min<std::int64_t>(exponent * 10 + (number[i] - '0'), 1'000'000'000);
+    } else {
+      negative = number[i] == '-';
     }
-  };
-  takeDigits();
-  if (p != end && *p == '.') {
-    const char* const point = p++;
-    takeDigits();
-    number.scale = static_cast<int>(p - point) - 1;
   }
-  if (!any) return number;
-  if (p != end && (*p == 'e' || *p == 'E')) {
-    ++p;
-    bool negative = false;
-    if (p != end && (*p == '+' || *p == '-')) negative = *p++ == '-';
-    for (; p != end && isDigit(*p); ++p) {
-      number.exponent = std::min(number.exponent * 10 + (*p - '0'), 1000000);
-    }
-    if (negative) number.exponent = -number.exponent;
-  }
-  number.length = static_cast<std::size_t>(p - begin);
-  return number;
+  return point - first + (negative ? -exponent : exponent) > 0;
 }
 
-double valueOf(const ScannedNumber& number, std::string_view text) {
-  // A whole number up to 2^53 and a power of ten up to 10^22 are exact doubles, so their product or
-  // quotient is rounded once: the nearest double to the number that the text means.
-  const int power = number.exponent - number.scale;
-  if (number.digits <= 19 && number.mantissa <= (std::uint64_t{1} << 53)) {
-    const auto mantissa = static_cast<double>(number.mantissa);
-    if (mantissa == 0.0) return 0.0;
-    if (power >= 0 && power <= kLargestExactPower) return mantissa * kExactPowers[power];
-    if (power < 0 && power >= -kLargestExactPower) return mantissa / kExactPowers[-power];
-  }
+double parseAnyNumber(std::string_view text) {
   double value = 0.0;
-  const auto result = std::from_chars(text.data(), text.data() + number.length, value);
-  if (result.ec == std::errc::result_out_of_range) {
-    // Too large or too small is told by the place of the first digit.
-    return number.digits + power > 0 ? std::numeric_limits<double>::infinity() : 0.0;
+  const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (result.ec != std::errc::result_out_of_range) return value;
+  return isAboveOne({text.data(), result.ptr}) ? std::numeric_limits<double>::infinity() : 0.0;
+}
+
+// The length of the number with which the text begins, 0 when there is none.
+std::size_t numberLength(std::string_view text) {
+  std::size_t at = 0;
+  std::size_t digits = 0;
+  const auto skipDigits = [&] {
+    for (; at < text.size() && isDigit(text[at]); ++at)
+      ++digits;
+  };
+  skipDigits();
+  if (at < text.size() && text[at] == '.') {
+    ++at;
+    skipDigits();
   }
-  return value;
+  if (digits == 0) return 0;
+  if (at < text.size() && (text[at] == 'e' || text[at] == 'E')) {
+    ++at;
+    if (at < text.size() && (text[at] == '+' || text[at] == '-')) ++at;
+    skipDigits();
+  }
+  return at;
 }
 
 }  // namespace
 
 double parseNumber(std::string_view digits) {
-  return valueOf(scanNumber(digits), digits);
+  // Most numbers of a program are a few digits, perhaps with a point. Up to 19 digits make a 64-bit
+  // whole number; when that is at most 2^53 and the power of ten at most 10^22, both are exact
+  // doubles, so that one division rounds once and gives the nearest double.
+  const char* const end = digits.data() + digits.size();
+  const char* p = digits.data();
+  std::uint64_t mantissa = 0;
+  for (; p != end && isDigit(*p); ++p) {
+    mantissa = mantissa * 10 + static_cast<std::uint64_t>(*p - '0');
+  }
+  std::ptrdiff_t count = p - digits.data();
+  std::ptrdiff_t scale = 0;
+  if (p != end && *p == '.') {
+    const char* const fraction = ++p;
+    for (; p != end && isDigit(*p); ++p) {
+      mantissa = mantissa * 10 + static_cast<std::uint64_t>(*p - '0');
+    }
+    scale = p - fraction;
+    count += scale;
+  }
+  const bool hasExponent = p != end && (*p == 'e' || *p == 'E');
+  if (!hasExponent && count <= 19 && mantissa <= (std::uint64_t{1} << 53)) {
+    return static_cast<double>(mantissa) / kExactPowers[scale];
+  }
+  return parseAnyNumber(digits);
 }
 
 std::optional<double> textToNumber(std::string_view text) {
@@ -254,11 +264,9 @@ std::optional<double> textToNumber(std::string_view text) {
 
   const bool negative = text[0] == '-';
   if (negative || text[0] == '+') text.remove_prefix(1);
-  // A point begins a number only when a digit follows.
-  if (text.size() >= 2 && text[0] == '.' && !isDigit(text[1])) return std::nullopt;
-  const ScannedNumber number = scanNumber(text);
-  if (number.length == 0 || number.length != text.size()) return std::nullopt;
-  const double value = valueOf(number, text);
+  const std::size_t length = numberLength(text);
+  if (length == 0 || length != text.size()) return std::nullopt;
+  const double value = parseNumber(text);
   return negative ? -value : value;
 }
 
