@@ -29,35 +29,35 @@ packages-dev: packages ## install also those for layout, checks, fuzzing and ben
 	@packaging/install_packages.sh packaging/packages-dev.txt
 
 build: packages ## build the program, build/release/bin/vexa
-	@cmake --preset release
+	@cmake --preset release >/dev/null
 	@cmake --build --preset release --parallel $(JOBS) --target vexa
 
 run: build ## build and run an example (EXAMPLE=path for another)
 	@$(VEXA) run $(EXAMPLE)
 
 test: packages ## build and run all tests
-	@cmake --preset release
+	@cmake --preset release >/dev/null
 	@cmake --build --preset release --parallel $(JOBS)
 	@ctest --preset release --parallel 2
 
 debug: packages ## the same without optimisation and with assertions
-	@cmake --preset debug
+	@cmake --preset debug >/dev/null
 	@cmake --build --preset debug --parallel $(JOBS)
 	@ctest --preset debug --parallel 2
 
 sanitize: packages ## the same with addresses and undefined behaviour checked
-	@cmake --preset sanitized
+	@cmake --preset sanitized >/dev/null
 	@cmake --build --preset sanitized --parallel $(JOBS)
 	@ctest --preset sanitized --parallel 2
 
 fuzz: packages-dev ## feed random programs to each fuzz target (FUZZ_SECONDS=60)
-	@cmake --preset fuzz
-	@cmake --build --preset fuzz --parallel $(JOBS)
+	@cmake --preset fuzz >/dev/null
+	@cmake --build --preset fuzz --parallel $(JOBS) --target fuzz_targets
 	@fuzz/run_targets.sh build/fuzz/bin $(FUZZ_SECONDS)
 
 bench: packages-dev ## time the interpreter and the numerics
-	@cmake --preset release
-	@cmake --build --preset release --parallel $(JOBS)
+	@cmake --preset release >/dev/null
+	@cmake --build --preset release --parallel $(JOBS) --target benchmarks
 	@bench/run_benchmarks.sh build/release/bin "$(VEXA_COMPARE)" $(BENCH_ARGS)
 
 format: packages-dev ## lay out all sources
