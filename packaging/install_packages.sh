@@ -33,11 +33,16 @@ if [ "$(id -u)" -ne 0 ]; then
 fi
 
 echo "Installing: ${missing[*]}"
-export DEBIAN_FRONTEND=noninteractive
-if ! { "${as_root[@]}" apt-get update --quiet &&
-       "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
-         apt-get install --yes --quiet --no-install-recommends "${missing[@]}"; }; then
-  echo "Installing the missing packages failed. Without a network, install them from your own" >&2
-  echo "mirror and run the command again: ${missing[*]}" >&2
+apt() {
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+    apt-get --quiet -o Dpkg::Use-Pty=0 -o APT::Update::Error-Mode=any "$@"
+}
+# Old lists still serve when new ones cannot be had, for instance from a local mirror.
+apt update || echo "The package lists could not be renewed; going on with those at hand." >&2
+if ! apt install --yes --no-install-recommends "${missing[@]}"; then
+  echo >&2
+  echo "These packages are missing and could not be installed: ${missing[*]}" >&2
+  echo "Install them in your own way and give the same command again; nothing else is needed" >&2
+  echo "from a network." >&2
   exit 1
 fi
