@@ -10,7 +10,7 @@ double logGamma(double x);
 
 // The regularised lower incomplete gamma function P(a, x) = (integral from 0 to x of
 // t^(a-1) e^-t dt) / gamma(a), for a > 0 and x >= 0; it rises from 0 to 1 with x. Outside of that
-// domain, and for a infinite together with x, not-a-number.
+// domain, and for a infinite together with x, not-a-number. Within one unit in the last place.
 double regularizedGammaP(double a, double x);
 
 // The error function: P(1/2, x^2) with the sign of x. Within one unit in the last place, also for
