@@ -1,10 +1,11 @@
 #!/usr/bin/env python3
-"""Looks for what no formatter mends everywhere: tabs, blanks at line ends, odd line ends.
+"""Looks for what no formatter mends: odd blanks and line ends, includes that run the wrong way.
 
-Programs and expected outputs are bytes on purpose and left alone, except those of examples/.
+Test programs, expected outputs and test data are bytes on purpose and left alone.
 """
 
 import os
+import re
 import subprocess
 import sys
 from pathlib import Path
@@ -16,6 +17,18 @@ TEXT_NAMES = {"Makefile", "LICENSE", "run", "lint", ".clang-format", ".clang-tid
 LEFT_ALONE = ("tests/programs/", "tests/data/")
 MAY_HAVE_TABS = {"Makefile"}
 LONGEST_LINE = {".cpp": 100, ".h": 100, ".py": 100}
+
+# Who may include whom: the first folder that fits a file names all folders it may include from.
+MAY_INCLUDE = [
+    (re.compile(r"src/numlib/.*_builtins\.(cpp|h)"), {"numlib", "interp", "values"}),
+    (re.compile(r"src/numlib/"), {"numlib"}),
+    (re.compile(r"src/graphics/plot/"), {"graphics", "interp", "values", "numlib"}),
+    (re.compile(r"src/graphics/"), {"graphics"}),
+    (re.compile(r"src/render/"), {"render", "graphics"}),
+    (re.compile(r"src/(interp|values)/"), {"interp", "values", "numlib", "graphics"}),
+    (re.compile(r"src/cli/"), {"cli", "interp", "values", "numlib", "graphics"}),
+]
+INCLUDE = re.compile(rb'\s*#\s*include\s*"(\w+)/')
 
 
 def files():
@@ -36,6 +49,9 @@ def problems(name, data):
         yield data.count(b"\n") + 1, "no line end at the end of the file"
     if data.endswith(b"\n\n"):
         yield data.count(b"\n"), "empty line at the end of the file"
+    if path.suffix == ".h" and b"#pragma once" not in data:
+        yield 1, "#pragma once is missing"
+    allowed = next((folders for place, folders in MAY_INCLUDE if place.match(name)), None)
     longest = LONGEST_LINE.get(path.suffix)
     for number, line in enumerate(data.split(b"\n"), start=1):
         if line != line.rstrip():
@@ -44,6 +60,9 @@ def problems(name, data):
             yield number, "tab"
         if longest and len(line.decode("utf-8", errors="replace")) > longest:
             yield number, f"longer than {longest} characters"
+        include = INCLUDE.match(line)
+        if allowed and include and include.group(1).decode() not in allowed:
+            yield number, f"may include only from {', '.join(sorted(allowed))}"
 
 
 def main():
