@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -67,10 +68,12 @@ class CoreView {
   std::vector<FrameRow> frames() const;              // innermost first
   std::vector<VariableRow> locals(int depth) const;  // newest first
   std::vector<VariableRow> globals() const;          // in the order of their making, presets last
+  // What a name stands for: as the running function sees it or, after a fault, the failed one did.
+  std::optional<VariableRow> variable(std::string_view name) const;
   std::span<const ListRow> errorRows() const;        // faults and calls, at most 40
   std::vector<FunctionRow> userFunctions() const;
   std::vector<BuiltinRow> builtins() const;
-  const Matrix* matrix(std::string_view name) const;
+  const Matrix* matrix(std::string_view name) const;  // looked up as variable() does
   std::uint64_t generation(Bar bar) const;
   int errorLine() const;
   const std::string& lastErrorMessage() const;
@@ -86,7 +89,8 @@ class CoreCommands {
   // Tells the core that a program's text has changed.
   void textChanged(const TextDocument& document);
   // Makes a document the program document without running it, so that updateFunctions reads it.
-  void setProgram(TextDocument& document);
+  // False when a run is on or, after a message, when the text could not be taken.
+  bool setProgram(TextDocument& document);
   // As the calculator does; false when a run is on.
   bool evaluate(std::string_view text, Evaluation& result);
   // Only while the core waits in Shell::calculator or Shell::form.
