@@ -64,7 +64,7 @@ struct ComplexArgument {
 };
 ComplexArgument readComplex();
 
-// M, M(i) or M{j}; a token `|` ("or") before it asks for absolute values. Otherwise key 34; index
+// M, M(i) or M{j}; a token `||` ("or") before it asks for absolute values. Otherwise key 34; index
 // key 37.
 struct MatrixReference {
   MatrixArgument matrix;
