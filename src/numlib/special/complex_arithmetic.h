@@ -1,8 +1,8 @@
 // Arithmetic and elementary functions of complex numbers as pairs of doubles.
 //
 // Angles are in radians. Logarithm, root and power are principal values, with the argument in
-// (-pi, pi]; the sign of a zero imaginary part tells the sides of the cut along the negative real
-// axis apart.
+// (-pi, pi]: a zero counts as positive there whatever its sign, since signs of zeros come and go
+// with negations that a program does not see.
 #pragma once
 
 #include <optional>
@@ -24,7 +24,7 @@ Complex divide(Complex a, Complex b);
 
 double complexAbs(Complex z);
 Complex complexExp(Complex z);
-Complex complexLog(Complex z);  // of zero: (-infinity, 0 or pi by the signs of the zeros)
+Complex complexLog(Complex z);  // of zero: (-infinity, 0)
 Complex complexSin(Complex z);
 Complex complexCos(Complex z);
 Complex complexTan(Complex z);
