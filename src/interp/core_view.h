@@ -70,7 +70,7 @@ class CoreView {
   std::vector<VariableRow> globals() const;          // in the order of their making, presets last
   // What a name stands for: as the running function sees it or, after a fault, the failed one did.
   std::optional<VariableRow> variable(std::string_view name) const;
-  std::span<const ListRow> errorRows() const;        // faults and calls, at most 40
+  std::span<const ListRow> errorRows() const;  // faults and calls, at most 40
   std::vector<FunctionRow> userFunctions() const;
   std::vector<BuiltinRow> builtins() const;
   const Matrix* matrix(std::string_view name) const;  // looked up as variable() does

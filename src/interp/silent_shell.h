@@ -1,8 +1,8 @@
 #pragma once
 
 // A shell without a window and without a person: questions take their default, dialogs are
-// cancelled, output goes into memory or nowhere. Fuzzing and timing use it as it is; fronts without
-// a window derive from it and add what they have.
+// cancelled, output goes into memory or nowhere. Fuzzing and timing use it as it is, with programs
+// that are MemoryDocuments; fronts without a window derive from it and add what they have.
 
 #include <cstdint>
 #include <memory>
@@ -17,9 +17,8 @@ namespace vexa {
 
 class SilentShell : public Shell {
  public:
-  explicit SilentShell(std::string programText = {}) : m_program(std::move(programText)) {}
-
-  MemoryDocument& program() { return m_program; }
+  // Makes a document the one that a person works in; null for none.
+  void activate(TextDocument* document) { m_active = document; }
   // What was printed, unless it was to be dropped.
   std::string output() const;
   void dropOutput() { m_dropOutput = true; }
@@ -33,7 +32,7 @@ class SilentShell : public Shell {
   FormReply form(const FormRequest& request) override;
   ElementPick viewData(const DataRequest&) override { return {}; }
 
-  TextDocument* activeTextDocument() override { return &m_program; }
+  TextDocument* activeTextDocument() override { return m_active; }
   TextDocument& newOutputDocument() override;
   void bringToFront(TextDocument&) override {}
   CMiniDrawDoc* activeDrawing() override { return nullptr; }
@@ -58,7 +57,7 @@ class SilentShell : public Shell {
   double clock() override;
 
  private:
-  MemoryDocument m_program;
+  TextDocument* m_active = nullptr;
   std::vector<std::unique_ptr<MemoryDocument>> m_outputs;
   bool m_dropOutput = false;
   std::uint64_t m_pollsLeft = UINT64_MAX;
