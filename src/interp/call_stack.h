@@ -49,7 +49,6 @@ class CallStack {
   CallStack() { m_locals.reserve(256); }
   CallStack(const CallStack&) = delete;
   CallStack& operator=(const CallStack&) = delete;
-  ~CallStack();
 
   int depth() const { return m_depth; }
   std::size_t localsCount() const { return m_locals.size(); }
@@ -86,10 +85,13 @@ class CallStack {
   // Moves the whole contents to `other` (cleared first) for the data views after a fault; the
   // names no longer resolve to them.
   void moveTo(CallStack& other);
+  // Takes a temporary that records of this stack are still bound to.
+  void keep(std::unique_ptr<Matrix> matrix) { m_kept.push_back(std::move(matrix)); }
 
  private:
   void unlink();
 
+  std::vector<std::unique_ptr<Matrix>> m_kept;
   std::vector<LocalRecord> m_locals;
   std::array<DummyRecord, dummyLimit> m_dummies;
   std::array<Frame, frameLimit + 1> m_frames;

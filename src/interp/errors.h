@@ -112,4 +112,8 @@ void raiseError(ErrorKey key, std::string_view context);
 // Does not throw. Returns the message box's answer.
 int formatAndShowError(ErrorKey key, std::string_view context);
 
+// Adds a row to the error and call list, which drops every second of its first twenty rows when it
+// is full.
+void addToErrorList(std::string_view message, int line, bool isCall);
+
 }  // namespace vexa

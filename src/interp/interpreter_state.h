@@ -67,7 +67,9 @@ struct InterpreterState {
   bool initialising = false;       // the initial value of a local is being read
   bool blockInExpression = false;  // the statements of an `exec` block or a calculator
   char returnPending = 0;
+  bool endReached = false;          // the keyword `end` stopped the run
   bool runInterrupted = false;
+  unsigned faultCount = 0;         // faults raised so far, for who must know of a new one
   RunOutcome outcome = RunOutcome::none;
 
   // The scanner and what it reads names with.

@@ -135,7 +135,6 @@ class NamePool {
   std::size_t m_mask = 0;
   std::size_t m_used = 0;
   std::deque<Symbol> m_symbols;
-  std::size_t m_permanent = 0;  // the first symbols, which a reset keeps
   std::vector<Symbol*> m_functions;
   Symbol* m_oldestGlobal = nullptr;
   Symbol* m_newestGlobal = nullptr;

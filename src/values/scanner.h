@@ -77,9 +77,9 @@ enum class NameKind : std::uint8_t {
 };
 
 struct Scanner {
-  const char* progCursor = "";
-  const char* tokenStart = "";
-  const char* nameStart = "";
+  const char* progCursor = nullptr;
+  const char* tokenStart = nullptr;
+  const char* nameStart = nullptr;
   // The current token: a view into the program text, or of `literal` for a quoted token, or of the
   // operator codes.
   std::string_view tokenText;
@@ -131,6 +131,10 @@ void skipToChar(char wanted, char stop);
 // Where white space and comments from `at` on end; raises nothing (an unterminated comment ends at
 // the end of the text).
 const char* skipBlanks(const char* at);
+
+// Past the bracket that matches the one at `at`, raising nothing; null when there is none (a `;` ends
+// the search for a square bracket).
+const char* pastGroup(const char* at);
 
 // The Esc test, also for built-ins that run long (once an outer step): asks the shell and, when
 // the user wants to stop, ends the run.

@@ -5,8 +5,10 @@
 // behind is released when the run ends.
 
 #include <array>
+#include <cstdint>
 #include <memory>
 #include <string_view>
+#include <utility>
 
 #include "values/matrix.h"
 
@@ -35,6 +37,22 @@ class TemporarySlots {
   }
   void clear() {
     for (auto& slot : m_slots) slot.reset();
+  }
+  // Which slots are taken, a bit for each; what was taken later can be cleared by it.
+  std::uint32_t occupancy() const {
+    std::uint32_t taken = 0;
+    for (std::size_t i = 0; i < m_slots.size(); ++i)
+      if (m_slots[i]) taken |= std::uint32_t{1} << i;
+    return taken;
+  }
+  void clearAllBut(std::uint32_t kept) {
+    for (std::size_t i = 0; i < m_slots.size(); ++i)
+      if (!(kept >> i & 1)) m_slots[i].reset();
+  }
+  template <class Taker>
+  void moveAll(Taker take) {
+    for (auto& slot : m_slots)
+      if (slot) take(std::move(slot));
   }
 
  private:

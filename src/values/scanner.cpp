@@ -1,0 +1,502 @@
+#include "values/scanner.h"
+
+#include <cstring>
+
+#include "interp/interpreter_state.h"
+#include "interp/message_box.h"
+#include "interp/program_text.h"
+#include "values/argument_readers.h"
+#include "values/character_class.h"
+
+namespace vexa {
+
+namespace {
+
+constexpr int pollInterval = 512;  // tokens between two questions to the shell
+
+constexpr std::string_view operatorSpellings[] = {"",   "<",  "<=", ">",  ">=", "==",
+                                                  "!=", "&&", "||", "&*", "&/", "&^"};
+
+// Operator codes as token texts: the one-byte codes and the codes written twice.
+constexpr char codeBytes[] = {OP_LT, OP_LT, OP_LE, OP_LE, OP_GT,      OP_GT,      OP_GE,
+                              OP_GE, OP_EQ, OP_EQ, OP_NE, OP_NE,      OP_AND,     OP_AND,
+                              OP_OR, OP_OR, OP_AMP_MUL,   OP_AMP_DIV, OP_AMP_POW};
+
+std::string_view codeOnce(OperatorCode code) {
+  return {code <= OP_OR ? codeBytes + 2 * (code - 1) : codeBytes + 16 + (code - OP_AMP_MUL), 1};
+}
+
+std::string_view codeTwice(OperatorCode code) { return {codeBytes + 2 * (code - 1), 2}; }
+
+// The line suffix "// 00012\r" at a position inside a literal; it belongs to no literal.
+bool isLineSuffix(const char* at) {
+  if (at[0] != '/' || at[1] != '/' || at[2] != ' ') return false;
+  for (int i = 3; i < 8; ++i)
+    if (!isCharacter(at[i], charDigit)) return false;
+  return at[8] == '\r';
+}
+
+// Past a comment that begins at `at`, or null when it is not terminated. A `*` at the end of a line
+// does not meet the slash of the suffix behind it.
+const char* pastComment(const char* at) {
+  if (at[1] == '/') {
+    at += 2;
+    while (*at != '\r' && *at != '\0') ++at;
+    return at;
+  }
+  for (at += 2;; ++at) {
+    if (*at == '\0') return nullptr;
+    if (*at != '*') continue;
+    if (at[1] == '/' && !isLineSuffix(at + 1)) return at + 2;
+    // A second opening inside a comment is a fault, not text.
+    if (at[-1] == '/') return nullptr;
+  }
+}
+
+// A division at the end of a line is told from the comment that its slash and the suffix would make.
+bool startsComment(const char* at) {
+  return *at == '/' && (at[1] == '*' || (at[1] == '/' && !isLineSuffix(at + 1)));
+}
+
+void setDelimiter(Scanner& scanner, const char* at, std::size_t length, unsigned char tokenChar) {
+  scanner.tokenType = TOKEN_DELIMITER;
+  scanner.tokenText = {at, length};
+  scanner.tokenChar = tokenChar;
+  scanner.progCursor = at + length;
+}
+
+void setOperator(Scanner& scanner, OperatorCode code) {
+  scanner.tokenType = TOKEN_DELIMITER;
+  scanner.tokenText = codeTwice(code);
+  scanner.progCursor += 2;
+}
+
+// Sets the look-up results of a word and the token type that follows from them.
+void classify(Scanner& scanner, Symbol* symbol) {
+  const CallStack& calls = interpreter().calls;
+  scanner.tokenType = TOKEN_NAME;
+  scanner.symbol = symbol;
+  if (!symbol) {
+    scanner.nameKind = NameKind::unknown;
+    return;
+  }
+  if (symbol->category == Category::reserved) {
+    scanner.tokenType = TOKEN_KEYWORD;
+    scanner.tokenCode = symbol->number;
+    return;
+  }
+  if (symbol->localTop >= calls.localsBase()) {
+    scanner.nameKind = NameKind::local;
+    scanner.nameIndex = symbol->localTop;
+    return;
+  }
+  if (symbol->dummyTop >= calls.dummyBase()) {
+    scanner.nameKind = NameKind::dummy;
+    scanner.nameIndex = symbol->dummyTop;
+    return;
+  }
+  switch (symbol->category) {
+    case Category::variable:
+      scanner.nameKind = NameKind::variable;
+      break;
+    case Category::userFunction:
+      scanner.nameKind = NameKind::userFunction;
+      break;
+    case Category::builtin:
+      scanner.nameKind = NameKind::builtin;
+      break;
+    default:
+      scanner.nameKind = NameKind::unknown;
+  }
+}
+
+TokenType scanName(Scanner& scanner, const char* start) {
+  const char* end = start + 1;
+  while (isCharacter(*end, charNamePart)) ++end;
+  const auto length = static_cast<std::size_t>(end - start);
+  scanner.progCursor = end;
+  scanner.nameStart = start;
+  scanner.tokenText = scanner.lastNameText = {start, length};
+  if (length > maxNameLength) [[unlikely]] {
+    scanner.tokenType = TOKEN_NAME;
+    scanner.nameKind = NameKind::unknown;
+    scanner.symbol = nullptr;
+    scanner.tokenText = scanner.tokenText.substr(0, literalLimit);
+    raiseError(ErrorKey::tooLong, scanner.tokenText);
+    return TOKEN_NAME;
+  }
+  classify(scanner, interpreter().names.find(start, length, nameKeyOfPadded(start, length)));
+  return scanner.tokenType;
+}
+
+// The one-character built-in names `!`, `%` and `@`. Nothing can hide them.
+TokenType scanMarkName(Scanner& scanner, const char* at) {
+  scanner.tokenType = TOKEN_NAME;
+  scanner.nameStart = at;
+  scanner.tokenText = scanner.lastNameText = {at, 1};
+  scanner.tokenChar = static_cast<unsigned char>(*at);
+  scanner.symbol = interpreter().names.find(scanner.tokenText);
+  scanner.nameKind = NameKind::builtin;
+  scanner.progCursor = at + 1;
+  return TOKEN_NAME;
+}
+
+TokenType scanNumber(Scanner& scanner, const char* start) {
+  const char* at = start;
+  bool pointSeen = false;
+  bool exponentSeen = false;
+  for (;; ++at) {
+    if (isCharacter(*at, charDigit)) continue;
+    if (*at == '.') {
+      if (pointSeen || exponentSeen) break;
+      pointSeen = true;
+    } else if (*at == 'e' || *at == 'E') {
+      if (exponentSeen) break;
+      exponentSeen = true;
+      if (at[1] == '+' || at[1] == '-') ++at;
+    } else {
+      break;
+    }
+  }
+  scanner.tokenType = TOKEN_NUMBER;
+  scanner.tokenText = {start, static_cast<std::size_t>(at - start)};
+  scanner.progCursor = at;
+  if (*at == '.' || *at == 'e' || *at == 'E') [[unlikely]] {
+    scanner.progCursor = at + 1;
+    raiseError(ErrorKey::syntax);
+  } else if (scanner.tokenText.size() > literalLimit) [[unlikely]] {
+    scanner.tokenText = scanner.tokenText.substr(0, literalLimit);
+    raiseError(ErrorKey::tooLong);
+  }
+  return TOKEN_NUMBER;
+}
+
+TokenType scanLiteral(Scanner& scanner, const char* start) {
+  const char quote = *start;
+  const char* at = start + 1;
+  std::size_t length = 0;
+  bool closed = false;
+  while (*at != '\0' && length < literalLimit) {
+    if (*at == quote) {
+      closed = true;
+      ++at;
+      break;
+    }
+    if (isLineSuffix(at)) {
+      at += lineSuffixLength;
+      continue;
+    }
+    if (*at != '\r' && *at != '\n' && *at != '\t') scanner.literal[length++] = *at;
+    ++at;
+  }
+  scanner.tokenType = quote == '"' ? TOKEN_STRING : TOKEN_QUOTED;
+  scanner.tokenText = {scanner.literal.data(), length};
+  scanner.progCursor = at;
+  if (!closed) raiseError(ErrorKey::quoteExpected);
+  return scanner.tokenType;
+}
+
+// `&` begins an operator of two characters; both are consumed in every case.
+TokenType scanAmpersand(Scanner& scanner, const char* at) {
+  switch (isLineSuffix(at + 1) ? '\r' : at[1]) {
+    case '&':
+      setOperator(scanner, OP_AND);
+      return TOKEN_DELIMITER;
+    case '*':
+    case '/':
+    case '^': {
+      const OperatorCode code = at[1] == '*' ? OP_AMP_MUL : at[1] == '/' ? OP_AMP_DIV : OP_AMP_POW;
+      scanner.tokenType = TOKEN_DELIMITER;
+      scanner.tokenText = codeOnce(code);
+      scanner.tokenChar = code;
+      scanner.progCursor = at + 2;
+      return TOKEN_DELIMITER;
+    }
+    default:
+      scanner.tokenType = TOKEN_DELIMITER;
+      scanner.tokenText = {at, 1};
+      scanner.progCursor = at[1] == '\0' || isLineSuffix(at + 1) ? at + 1 : at + 2;
+      raiseError(ErrorKey::syntax);
+      return TOKEN_DELIMITER;
+  }
+}
+
+TokenType scanPunctuation(Scanner& scanner, const char* at) {
+  switch (*at) {
+    case '{':
+    case '}':
+      setDelimiter(scanner, at, 1, static_cast<unsigned char>(*at));
+      return scanner.tokenType = TOKEN_BLOCK;
+    case '"':
+    case '\'':
+      return scanLiteral(scanner, at);
+    case '%':
+    case '@':
+      return scanMarkName(scanner, at);
+    case '!':
+      if (at[1] != '=') return scanMarkName(scanner, at);
+      setOperator(scanner, OP_NE);
+      return TOKEN_DELIMITER;
+    case '&':
+      return scanAmpersand(scanner, at);
+    case '<':
+    case '>':
+      if (at[1] == '=') {
+        setOperator(scanner, *at == '<' ? OP_LE : OP_GE);
+      } else {
+        setDelimiter(scanner, at, 1, static_cast<unsigned char>(*at));
+        scanner.tokenText = codeOnce(*at == '<' ? OP_LT : OP_GT);
+      }
+      return TOKEN_DELIMITER;
+    case '=':
+      if (at[1] == '=') {
+        setOperator(scanner, OP_EQ);
+        return TOKEN_DELIMITER;
+      }
+      break;
+    case '|':
+      if (at[1] == '|') {
+        setOperator(scanner, OP_OR);
+        return TOKEN_DELIMITER;
+      }
+      break;
+    case '.':
+      if (isCharacter(at[1], charDigit)) return scanNumber(scanner, at);
+      break;
+    default:
+      break;
+  }
+  setDelimiter(scanner, at, 1, static_cast<unsigned char>(*at));
+  return TOKEN_DELIMITER;
+}
+
+// A byte that begins no token is consumed, so that a loop over tokens always moves on.
+TokenType scanStray(Scanner& scanner, const char* at, bool afterBlanks) {
+  scanner.progCursor = at + 1;
+  if (afterBlanks) return TOKEN_NONE;
+  raiseError(ErrorKey::syntax);
+  scanner.tokenCode = FINISHED;
+  return scanner.tokenType;
+}
+
+}  // namespace
+
+TokenType getToken() {
+  InterpreterState& state = interpreter();
+  Scanner& scanner = state.scanner;
+  if (--scanner.interruptCountdown <= 0) [[unlikely]] {
+    scanner.interruptCountdown = pollInterval;
+    pollInterrupt();
+  }
+  scanner.tokenChar = noTokenChar;
+  scanner.tokenType = TOKEN_NONE;
+  scanner.tokenCode = classNone;
+  scanner.tokenText = {};
+
+  const char* at = scanner.progCursor;
+  for (;;) {
+    const std::uint8_t kind = characterClasses[static_cast<unsigned char>(*at)];
+    if (kind & charLetter) {
+      scanner.tokenStart = at;
+      return scanName(scanner, at);
+    }
+    if (kind & charBlank) {
+      ++at;
+      continue;
+    }
+    if (kind & charDigit) {
+      scanner.tokenStart = at;
+      return scanNumber(scanner, at);
+    }
+    if (kind & charPunctuation) {
+      if (startsComment(at)) [[unlikely]] {
+        if (const char* past = pastComment(at)) {
+          at = past;
+          continue;
+        }
+        // The cursor goes back, so that the message names the line where the comment began.
+        scanner.tokenStart = scanner.progCursor = at;
+        raiseError(ErrorKey::commentNotTerminated);
+        // Only outside an evaluation: the rest of the text is the comment's.
+        while (*at != '\0') ++at;
+        continue;
+      }
+      scanner.tokenStart = at;
+      return scanPunctuation(scanner, scanner.progCursor = at);
+    }
+    const bool afterBlanks = at != scanner.progCursor;
+    scanner.tokenStart = at;
+    if (*at == '\0') {
+      scanner.progCursor = at;
+      scanner.tokenCode = FINISHED;
+      return scanner.tokenType = TOKEN_DELIMITER;
+    }
+    return scanStray(scanner, at, afterBlanks);
+  }
+}
+
+void putBack() {
+  Scanner& scanner = interpreter().scanner;
+  scanner.progCursor -= scanner.tokenText.size();
+}
+
+void rescanToken() {
+  Scanner& scanner = interpreter().scanner;
+  scanner.progCursor = scanner.tokenStart;
+}
+
+NameKind lookUpName(std::string_view word) {
+  InterpreterState& state = interpreter();
+  Scanner& scanner = state.scanner;
+  const TokenType type = scanner.tokenType;
+  const int code = scanner.tokenCode;
+  scanner.nameKind = NameKind::unknown;
+  classify(scanner, state.names.find(word));
+  scanner.tokenType = type;
+  scanner.tokenCode = code;
+  return scanner.nameKind;
+}
+
+std::string_view tokenSpelling() {
+  const Scanner& scanner = interpreter().scanner;
+  const unsigned char code = scanner.operatorCode();
+  return code >= OP_LT && code <= OP_AMP_POW ? operatorSpellings[code] : scanner.tokenText;
+}
+
+char nextStructuralChar() {
+  Scanner& scanner = interpreter().scanner;
+  const char* at = scanner.progCursor;
+  for (;;) {
+    const std::uint8_t kind = characterClasses[static_cast<unsigned char>(*at)];
+    if (kind & charStructural) {
+      scanner.progCursor = at + 1;
+      if (*at == '{' || *at == '}') scanner.tokenCode = TOKEN_BLOCK;
+      return *at;
+    }
+    if (kind & (charLetter | charDigit)) {
+      do ++at;
+      while (isCharacter(*at, charWordPart));
+    } else if (kind & charBlank) {
+      ++at;
+    } else if (*at == '\0') {
+      scanner.progCursor = at;
+      scanner.tokenCode = FINISHED;
+      return '\0';
+    } else if (*at == '"' || *at == '\'') {
+      scanner.tokenStart = at;
+      scanLiteral(scanner, at);
+      at = scanner.progCursor;
+    } else if (startsComment(at)) {
+      const char* past = pastComment(at);
+      if (!past) {
+        scanner.tokenStart = scanner.progCursor = at;
+        raiseError(ErrorKey::commentNotTerminated);
+        while (*at != '\0') ++at;
+        past = at;
+      }
+      at = past;
+    } else {
+      ++at;
+    }
+  }
+}
+
+bool skipGroup(char open) {
+  Scanner& scanner = interpreter().scanner;
+  getToken();
+  if (scanner.atEnd()) return false;
+  if (scanner.tokenChar != static_cast<unsigned char>(open)) {
+    rescanToken();
+    expectChar(open);
+    return false;
+  }
+  const char close = open == '(' ? ')' : static_cast<char>(open + 2);
+  const char* start = scanner.progCursor;
+  for (int depth = 1; depth > 0;) {
+    const char c = nextStructuralChar();
+    if (c == open) {
+      ++depth;
+    } else if (c == close) {
+      --depth;
+    } else if (c == '\0' || (open == '[' && c == ';')) {
+      scanner.progCursor = start;
+      expectChar(close);
+      return false;
+    }
+  }
+  scanner.tokenCode = classSkipped;
+  return true;
+}
+
+void skipToChar(char wanted, char stop) {
+  for (;;) {
+    const char c = nextStructuralChar();
+    if (c == wanted) return;
+    if (c == '\0' || c == stop) {
+      expectChar(wanted);
+      return;
+    }
+  }
+}
+
+const char* skipBlanks(const char* at) {
+  for (;;) {
+    if (isCharacter(*at, charBlank)) {
+      ++at;
+    } else if (startsComment(at)) {
+      const char* past = pastComment(at);
+      if (!past) {
+        while (*at != '\0') ++at;
+        return at;
+      }
+      at = past;
+    } else {
+      return at;
+    }
+  }
+}
+
+const char* pastGroup(const char* at) {
+  const char open = *at;
+  const char close = open == '(' ? ')' : static_cast<char>(open + 2);
+  int depth = 0;
+  for (;; ++at) {
+    const char c = *at;
+    if (c == open) {
+      ++depth;
+    } else if (c == close) {
+      if (--depth == 0) return at + 1;
+    } else if (c == '\0' || (c == ';' && open == '[')) {
+      return nullptr;
+    } else if (c == '"' || c == '\'') {
+      const char* end = std::strchr(at + 1, c);
+      if (!end) return nullptr;
+      at = end;
+    } else if (startsComment(at)) {
+      const char* past = pastComment(at);
+      if (!past) return nullptr;
+      at = past - 1;
+    }
+  }
+}
+
+void pollInterrupt() {
+  InterpreterState& state = interpreter();
+  switch (state.shell->interruptRequested()) {
+    case Interrupt::none:
+      return;
+    case Interrupt::escape: {
+      constexpr int terminate = 7;
+      if (messageBox(" You have pressed key Esc:", boxContinueTerminate) != terminate) return;
+      state.runInterrupted = true;
+      raiseError(ErrorKey::programTerminated);
+      return;
+    }
+    case Interrupt::stop:
+      state.runInterrupted = true;
+      raiseError(ErrorKey::interrupted);
+      return;
+  }
+}
+
+}  // namespace vexa
