@@ -37,7 +37,7 @@ void setIdentity(MatrixView a);
 
 // Replaces the square matrix a by its inverse. It is singular when a row holds only zeros or when a
 // pivot is below pivotTolerance in magnitude (the language passes tol# times 1e-10). Unless the
-// outcome is done, a is left partly factorised. Asks once per row, in factorising and in solving.
+// outcome is done, a is left partly factorised. Asks once per row that is eliminated or solved for.
 [[nodiscard]] Outcome invertInPlace(MatrixView a, double pivotTolerance,
                                     const InterruptTest& interrupted = {});
 
