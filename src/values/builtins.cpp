@@ -9,9 +9,15 @@
 #include "interp/errors.h"
 #include "interp/interpreter_state.h"
 #include "interp/message_box.h"
+#include "values/catalogs.h"
 #include "values/evaluator.h"
+#include "values/form_builtin.h"
+#include "values/message_builtins.h"
 #include "values/print_builtins.h"
+#include "values/run_options.h"
+#include "values/scalar_functions.h"
 #include "values/text_string.h"
+#include "values/value_builtins.h"
 
 namespace vexa {
 
@@ -56,29 +62,39 @@ constexpr Group groups[] = {
     {stringAssignment, "%"},
     // Printing and messages.
     {prtmatBuiltin, "prtmat"},
+    {hidemessageBuiltin, "hidemessage"},
+    {catBuiltin, "cat"},
     {printBuiltin, "print debugprint"},
     {cprintBuiltin, "cprint"},
+    {messageBuiltin, "notice yesno postmessage isvar"},
+    // Scalar mathematical functions.
+    {scalarFunctionBuiltin,
+     "abs acos asin atan ceil cos cosh erf exp factrl floor gammaln log10 ln round sin sinh sqrt "
+     "tan tanh truncate"},
+    // Run-time options and value built-ins.
+    {deleteBuiltin, "delete"},
+    {execBuiltin, "exec"},
+    {useoptionBuiltin, "useoption"},
+    {defmatBuiltin, "defmat defsym"},
+    {orderBuiltin, "resizemat unit zero zeronew"},
+    {subopBuiltin, "subop"},
+    {mantissaBuiltin, "mantissa"},
+    {viewBuiltin, "view select debugview"},
+    {sizeBuiltin, "ncol nrow"},
+    // Tool windows.
+    {calcBuiltin, "calc"},
+    {tofractionBuiltin, "tofraction"},
+    {conversionBuiltin, "str2val val2str"},
+    {informBuiltin, "inform"},
+    {elapsedTimeBuiltin, "t#"},
+    {sleepBuiltin, "sleep"},
+    {gotourlBuiltin, "gotourl"},
 };
 
 // Groups whose handler is still to come.
 constexpr std::string_view laterGroups[] = {
-    // Printing and messages.
-    "hidemessage",
-    "cat",
-    "notice yesno postmessage isvar",
-    // Scalar mathematical functions, with one argument and with two.
-    "abs acos asin atan ceil cos cosh erf exp factrl floor gammaln log10 ln round sin sinh sqrt "
-    "tan tanh truncate",
+    // Scalar mathematical functions with two arguments.
     "atan2 beta binom ellipe ellipf ellipi gammainc gez hcoc hcos hsoc hsos hypot mod sign",
-    // Run-time options and value built-ins.
-    "delete",
-    "exec",
-    "useoption",
-    "defmat defsym",
-    "resizemat unit zero zeronew",
-    "subop",
-    "mantissa",
-    "view select debugview",
     // Data files.
     "readglobalvars saveglobalvars",
     "closefile",
@@ -88,11 +104,6 @@ constexpr std::string_view laterGroups[] = {
     "rewindfile",
     "writefile",
     "readfile",
-    // Tool windows.
-    "calc",
-    "tofraction",
-    "str2val val2str",
-    "inform",
     // Numerical library.
     "det invert",
     "solve symsolv",
@@ -104,7 +115,6 @@ constexpr std::string_view laterGroups[] = {
     "hermint hermit lint polint ratint",
     "roots",
     "gausspt",
-    "ncol nrow",
     "eigen",
     "svd",
     "svsolve",
@@ -124,7 +134,6 @@ constexpr std::string_view laterGroups[] = {
     "poly",
     "series",
     "fft",
-    "t#",
     "bandf",
     "bessi bessj bessk bessy",
     "spline splint",
@@ -139,9 +148,8 @@ constexpr std::string_view laterGroups[] = {
     "cumipmt cumprinc fv intrate ipmt irr nper npv pmt ppmt pv xirr xnpv",
     "movingaverage",
     "date2serial serial2date",
-    "sleep",
     "trisolv",
-    "gotourl",
+
     // Plotting.
     "project",
     "poly2bezier",
