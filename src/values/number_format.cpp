@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cfloat>
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <iterator>
 #include <limits>
 
 namespace vexa {
@@ -31,9 +33,7 @@ constexpr int kLargestFormatNumber = 255;  // of the width and the precision of 
 // digits, a point and 255 more.
 constexpr std::size_t kLongestBody = 309 + 1 + kLargestFormatNumber + 1;
 
-bool isDigit(char c) {
-  return c >= '0' && c <= '9';
-}
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 //--- Writing ---------------------------------------------------------------------------------
 
@@ -55,11 +55,9 @@ struct LeadingDigits {
 // for values below 10^9. Its digits after the point decide the rounding unless they come near one
 // half; "near" is 1e-6, far more than the error, and leaves ties to the exact routine.
 std::optional<LeadingDigits> quickDigits(double a, int precision) {
-  std::uint64_t bits;
-  std::memcpy(&bits, &a, sizeof bits);
-  const int binaryExponent = static_cast<int>(bits >> 52) - 1023;
-  // floor(binaryExponent * log10(2)), right for all exponents used here. The first digit stands
-  // there or one place higher.
+  const int binaryExponent = static_cast<int>(std::bit_cast<std::uint64_t>(a) >> 52) - 1023;
+  // floor(binaryExponent * log10(2)), since 1233/4096 is close enough to log10(2) wherever the
+  // shift below is in range. The first digit stands there or one place higher.
   int exponent = (binaryExponent * 1233) >> 12;
 
   const double limit = kExactPowers[precision];
@@ -141,7 +139,8 @@ char* writeGeneral(char* out, double x, int precision) {
       return writeLeadingDigits(out, *number, precision);
     }
   }
-  return std::to_chars(out, out + precision + 7, a, std::chars_format::general, precision).ptr;
+  // All of the room but the place of the sign.
+  return std::to_chars(out, out + precision + 6, a, std::chars_format::general, precision).ptr;
 }
 
 // Moves the `length` bytes at out to the right end of a field. Returns the length of the field.
@@ -210,8 +209,7 @@ std::size_t numberLength(std::string_view text) {
   std::size_t at = 0;
   std::size_t digits = 0;
   const auto skipDigits = [&] {
-    for (; at < text.size() && isDigit(text[at]); ++at)
-      ++digits;
+    for (; at < text.size() && isDigit(text[at]); ++at) ++digits;
   };
   skipDigits();
   if (at < text.size() && text[at] == '.') {

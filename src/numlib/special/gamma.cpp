@@ -53,8 +53,7 @@ Real stirlingRemainder(Real a) {
                                           1.0L / 156,   -3617.0L / 122400};
   const Real square = 1 / (a * a);
   Real sum = 0.0L;
-  for (std::size_t k = kTerms.size(); k-- > 0;)
-    sum = sum * square + kTerms[k];
+  for (std::size_t k = kTerms.size(); k-- > 0;) sum = sum * square + kTerms[k];
   return sum / a;
 }
 
@@ -120,9 +119,7 @@ Real uniformForP(Real a, Real x) {
 
 }  // namespace
 
-double logGamma(double x) {
-  return static_cast<double>(logGammaReal(x));
-}
+double logGamma(double x) { return static_cast<double>(logGammaReal(x)); }
 
 double regularizedGammaP(double a, double x) {
   if (!(a > 0) || !(x >= 0) || (std::isinf(a) && std::isinf(x))) return kNaN;
@@ -135,9 +132,7 @@ double regularizedGammaP(double a, double x) {
 
 // P(1/2, x^2) is erf(|x|) exactly: put t = s^2 in the integral of P. The library's erf is the
 // better way to it, since the square would overflow, vanish or be rounded.
-double erfValue(double x) {
-  return std::erf(x);
-}
+double erfValue(double x) { return std::erf(x); }
 
 double factorial(int n) {
   constexpr int kTableSize = 33;
