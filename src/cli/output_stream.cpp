@@ -1,0 +1,57 @@
+#include "cli/output_stream.h"
+
+#include <poll.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "interp/output.h"
+
+namespace vexa {
+
+int writeAll(int descriptor, std::string_view text) {
+  while (!text.empty()) {
+    const ssize_t written = ::write(descriptor, text.data(), text.size());
+    if (written >= 0) {
+      text.remove_prefix(static_cast<std::size_t>(written));
+    } else if (errno == EAGAIN || errno == EWOULDBLOCK) {
+      pollfd ready{descriptor, POLLOUT, 0};
+      ::poll(&ready, 1, -1);
+    } else if (errno != EINTR) {
+      return errno;
+    }
+  }
+  return 0;
+}
+
+void OutputStream::write(std::string_view text, char mode) {
+  if (mode == lineAppend) {
+    if (text.empty()) return;
+    put(text);
+    m_lineIsEmpty = text.back() == '\n';
+    return;
+  }
+  if (!text.empty() && !m_lineIsEmpty) put("\n");
+  put(text);
+  put("\n");
+  m_lineIsEmpty = true;
+}
+
+void OutputStream::flush() {
+  if (m_used == 0) return;
+  if (m_failure == 0) m_failure = writeAll(m_descriptor, {m_buffer.data(), m_used});
+  m_used = 0;
+}
+
+void OutputStream::put(std::string_view text) {
+  if (text.size() > m_buffer.size() - m_used) flush();
+  if (text.size() > m_buffer.size()) {
+    if (m_failure == 0) m_failure = writeAll(m_descriptor, text);
+    return;
+  }
+  std::memcpy(m_buffer.data() + m_used, text.data(), text.size());
+  m_used += text.size();
+}
+
+}  // namespace vexa
