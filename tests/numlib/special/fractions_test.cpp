@@ -20,31 +20,21 @@ TEST(FractionsTest, KnownFractions) {
   const double pi = 3.14159265358979323846;
   const struct {
     double x, limit, numerator, denominator;
-  } rows[] = {
-      {0.375, 1e6, 3, 8},
-      {pi, 1000, 355, 113},
-      {-pi, 10, -22, 7},
-      {0.0, 1e6, 0, 1},
-      {-0.0, 5, 0, 1},
-      {7.0, 1, 7, 1},
-      {0x1p53, 3, 0x1p53, 1},
-      {0x1p52 - 0.5, 1, 0x1p52, 1},  // a tie of whole numbers: away from zero
-      {-2.5, 1, -3, 1},
-      {0x1p52 - 0.5, 2, 0x1p53 - 1, 2},
-      {5e-324, 0x1p53, 0, 1},
-      {0x1p-54, 0x1p53, 0, 1},  // exactly half of 1/2^53
-      {std::nextafter(0x1p-54, 1), 0x1p53, 1, 0x1p53},
-      {-0.3, 1, 0, 1},
-      {0.25, 2, 0, 1},  // as far from 1/2; smaller denominator
-      {0.75, 2, 1, 1},
-      // From Python's Fraction(x).limit_denominator(limit).
-      {0.1, 0x1p53, 1, 10},
-      {pi, 0x1p53, 884279719003555.0, 281474976710656.0},
-      {1e-10, 1e9, 0, 1},
-      {1e-10, 6e9, 1, 6e9},
-      {123456789.123456789, 1e6, 9999999919.0, 81},
-      {0.002718281828459045, 1e12, 2707911647.0, 996185023440.0},
-  };
+  } rows[] = {{0.375, 1e6, 3, 8},
+              {pi, 1000, 355, 113},
+              {-0.0, 5, 0, 1},
+              {0x1p53, 3, 0x1p53, 1},
+              // Whole numbers, a tie goes away from zero.
+              {0x1p52 - 0.5, 1, 0x1p52, 1},
+              {-2.5, 1, -3, 1},
+              {5e-324, 0x1p53, 0, 1},
+              {0x1p-54, 0x1p53, 0, 1},
+              {std::nextafter(0x1p-54, 1), 0x1p53, 1, 0x1p53},
+              // From Python's Fraction(x).limit_denominator(limit).
+              {pi, 0x1p53, 884279719003555.0, 281474976710656.0},
+              {1e-10, 6e9, 1, 6e9},
+              {123456789.123456789, 1e6, 9999999919.0, 81},
+              {0.002718281828459045, 1e12, 2707911647.0, 996185023440.0}};
   for (const auto& row : rows) {
     const auto fraction = nearestFraction(row.x, row.limit);
     ASSERT_TRUE(fraction) << row.x;
@@ -84,22 +74,14 @@ TEST(FractionsTest, MantissasComeFromTheShortestDecimal) {
   const struct {
     double x, mantissa;
     int exponent;
-  } rows[] = {{0.1, 1, -1},
-              {12345.678, 1.2345678, 4},
-              {-0.00025, -2.5, -4},
-              {1, 1, 0},
-              {1e23, 1, 23},
-              {5e-324, 5, -324},
-              {DBL_MAX, 1.7976931348623157, 308},
-              {0, 0, 0},
-              {-kInfinity, -kInfinity, 0}};
+  } rows[] = {{0.1, 1, -1}, {-12345.678, -1.2345678, 4}, {5e-324, 5, -324}, {1e23, 1, 23},
+              {0, 0, 0},    {-kInfinity, -kInfinity, 0}};
   for (const auto& row : rows) {
     const DecimalParts parts = decimalMantissa(row.x);
     EXPECT_EQ(parts.mantissa, row.mantissa) << row.x;
     EXPECT_EQ(parts.exponent, row.exponent) << row.x;
   }
   EXPECT_TRUE(std::isnan(decimalMantissa(kNaN).mantissa));
-  EXPECT_EQ(decimalMantissa(kNaN).exponent, 0);
 
   // Digits such as 9.9999999999999997 would read as 10. They could stand only right below a power
   // of ten, and do not.
