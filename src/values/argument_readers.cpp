@@ -110,11 +110,13 @@ void checkScalarName(std::string_view name) {
 }
 
 // One order of a sized name; the token after it is current then.
-int readOrder() {
-  const int order = truncateIndex(readCondition(), ErrorKey::allocationFailed);
-  if (order < 0) raiseError(ErrorKey::indexNotPositive);
-  if (order == 0) raiseError(ErrorKey::allocationFailed);
-  return order;
+int readOrder() { return truncateIndex(readCondition(), ErrorKey::allocationFailed); }
+
+void checkOrders(const SizedName& sized) {
+  if (sized.rows < 0 || sized.cols < 0)
+    raiseError(ErrorKey::indexNotPositive);
+  else if (sized.rows == 0 || sized.cols == 0)
+    raiseError(ErrorKey::allocationFailed);
 }
 
 }  // namespace
@@ -256,22 +258,20 @@ MatrixArgument readMatrix(bool allowString) {
 ComplexArgument readComplex() {
   InterpreterState& state = interpreter();
   const Scanner& scanner = state.scanner;
-  const bool marked = (getToken(), scanner.tokenType == TOKEN_NAME && scanner.tokenChar == '@');
+  getToken();
+  const bool marked = scanner.tokenType == TOKEN_NAME && scanner.tokenChar == '@';
   if (!marked && state.builtinMode != '@') {
     raiseError(ErrorKey::complexPrefixRequired);
     return {};
   }
   Value value;
-  evalMatrixExpression(value, '@', marked);
+  evalComplexArgument(value, marked);
   rescanToken();
   valueUsed(state);
-  ComplexArgument z{value.scalar, 0};
-  if (value.matrix) {
-    if (value.matrix->size() != 2) raiseError(ErrorKey::complexPrefixRequired);
-    const auto parts = value.matrix->elements();
-    z = {parts[0], parts.size() > 1 ? parts[1] : 0};
-    freeOperand(value);
-  }
+  if (!value.matrix) return {value.scalar, 0};
+  const auto parts = value.matrix->elements();
+  const ComplexArgument z{parts.front(), parts.back()};
+  freeOperand(value);
   return z;
 }
 
@@ -350,7 +350,9 @@ SizedName readSizedName() {
   const Scanner& scanner = interpreter().scanner;
   SizedName result;
   result.name = readResultName();
-  if (!acceptChar('[')) return result;
+  result.position = scanner.tokenStart;
+  if (nextCharacter() != '[') return result;
+  getToken();
   result.sized = true;
   result.rows = 1;
   result.cols = readOrder();
@@ -364,6 +366,7 @@ SizedName readSizedName() {
     expectChar(']');
   }
   valueUsed(interpreter());
+  checkOrders(result);
   return result;
 }
 

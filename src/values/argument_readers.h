@@ -89,15 +89,18 @@ Matrix* findMatrix(std::string_view name);
 
 // A result name: with or without `!`; not a name: key 61.
 std::string readResultName();
-// A sized name: a result name, or name[r] (1 x r), name[r,c]. Without brackets `sized` is false.
+// A sized name: a result name, or name[r] (1 x r), name[r,c]. Without brackets `sized` is false. A
+// negative order raises key 91, zero key 28. The last token of the form stays current, so that a
+// message can cite it.
 struct SizedName {
   std::string name;
+  const char* position = nullptr;  // of the name in the text, for messages
   bool sized = false;
   bool twoOrders = false;
   int rows = 0, cols = 0;
 };
 SizedName readSizedName();
-// Creates or redefines the matrix of a sized name: negative orders key 91, zero key 28.
+// Creates or redefines the matrix of a sized name.
 Matrix& makeSized(const SizedName& name);
 
 // A float variable, local or global; unknown: a new global. A matrix: key 69.

@@ -56,6 +56,8 @@ double readParenthesisedCondition();
 // `markRead` is false, left out: then the current token is the first of the expression. The result
 // is checked: a matrix (key 59), or a pair made 1 x 2 (key 46).
 void evalMatrixExpression(Value& result, char mode, bool markRead);
+// A complex expression as an argument: likewise, but a number is accepted as it is.
+void evalComplexArgument(Value& result, bool markRead);
 
 // Reads `[` i [`,` j] `]` with the `[` still to be read; each truncated toward zero, j is 0 when
 // left out. Negative: key 91; not finite or beyond 32 bits: key 37; missing `]`: key 32.

@@ -544,4 +544,12 @@ void evalMatrixExpression(Value& result, char mode, bool markRead) {
   state.currentMatrix = result.matrix;
 }
 
+void evalComplexArgument(Value& result, bool markRead) {
+  State& state = interpreter();
+  const ModeScope scope(state, '@');
+  if (markRead) getToken();
+  valueAssignment(state, result, Place::inner);
+  if (result.isMatrix()) makePair(result);
+}
+
 }  // namespace vexa

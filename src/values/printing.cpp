@@ -69,6 +69,7 @@ class ItemPrinter {
   bool printNamed(const Matrix& m);
   bool printPercent();
   bool printLiteral();
+  bool takeFormat();
   void number(double x);
   void matrix(const Matrix& m);
   void rows(const Matrix& m);
@@ -83,8 +84,9 @@ class ItemPrinter {
   const Scanner& m_scanner;
   TextSink* m_sink;
   PrintStyle m_style;
-  bool m_character = false;              // the next number is written as a byte
-  std::optional<NumberFormat> m_format;  // pending for the next number
+  bool m_character = false;  // the next number is written as a byte
+  std::string m_format;      // pending for the next number
+  std::optional<NumberFormat> m_parsed;
   std::string m_line;
 };
 
@@ -96,7 +98,7 @@ void ItemPrinter::printAll() {
   m_state.noEcho = false;
 }
 
-// Whether `,` or `)` follows an item, which is asked before the item is written.
+// Whether `,` or `)` follows an item; numbers and matrices are written only then.
 bool ItemPrinter::separated(Item item) {
   const unsigned char c = m_scanner.tokenChar;
   if (c == ',' || c == ')') [[likely]]
@@ -130,10 +132,9 @@ bool ItemPrinter::printItem() {
     case TOKEN_BLOCK:
       switch (m_scanner.tokenChar) {
         case '^':
-          getToken();
-          if (!separated(Item::text)) return false;
           sink().write({}, lineWhole);
-          return true;
+          getToken();
+          return separated(Item::text);
         case '+':
         case '-':
         case '(':
@@ -187,28 +188,32 @@ bool ItemPrinter::printPercent() {
   return separated(Item::text);
 }
 
+// A text that begins with `%` waits for its number; any other is written.
 bool ItemPrinter::printLiteral() {
   const std::string_view text = m_scanner.tokenText;
-  const bool isFormat = text.starts_with('%');
-  if (isFormat) {
-    m_format = NumberFormat::parse(text);
-    if (!m_format) {
-      raiseError(ErrorKey::invalidData);
-      return false;
-    }
-  }
-  // Only another literal would overwrite the text, and that is a fault.
+  if (text.starts_with('%'))
+    m_format = text;
+  else if (!text.empty())
+    sink().write(text, lineAppend);
   getToken();
-  if (!separated(Item::text)) return false;
-  if (!isFormat && !text.empty()) sink().write(text, lineAppend);
-  return true;
+  return separated(Item::text);
+}
+
+// Takes the pending format apart when its number has come. False when it cannot be used.
+bool ItemPrinter::takeFormat() {
+  m_parsed.reset();
+  if (m_character || m_format.empty()) return true;
+  m_parsed = NumberFormat::parse(m_format);
+  if (!m_parsed) raiseError(ErrorKey::invalidData);
+  return m_parsed.has_value();
 }
 
 void ItemPrinter::number(double x) {
-  if (!m_character && !m_format) [[likely]] {
+  if (!m_character && m_format.empty()) [[likely]] {
     printNumber(sink(), x);
     return;
   }
+  if (!takeFormat()) return;
   m_line.clear();
   appendCell(x, true);
   sink().write(m_line, lineAppend);
@@ -217,16 +222,17 @@ void ItemPrinter::number(double x) {
 
 void ItemPrinter::dropFormat() {
   m_character = false;
-  m_format.reset();
+  m_format.clear();
+  m_parsed.reset();
 }
 
 // One element of a row; a pending format joins the elements by one blank.
 void ItemPrinter::appendCell(double x, bool first) {
   if (m_character) {
     m_line += static_cast<char>(truncateToByte(x));
-  } else if (m_format) {
+  } else if (m_parsed) {
     if (!first) m_line += ' ';
-    m_format->append(m_line, x);
+    m_parsed->append(m_line, x);
   } else {
     appendDefault(m_line, x);
   }
@@ -237,11 +243,12 @@ void ItemPrinter::matrix(const Matrix& m) {
     sink().write(loadText(m), lineAppend);
     return;  // a pending format waits for a number
   }
+  if (!takeFormat()) return;
   if (m_style.complexValues && !m_character)
     complexValues(m);
   else if (m_style.alternate)
     numberedRows(m);
-  else if (m_character || m_format)
+  else if (m_character || m_parsed)
     rows(m);
   else
     printMatrix(sink(), m);
@@ -258,7 +265,7 @@ void ItemPrinter::rows(const Matrix& m) {
 }
 
 void ItemPrinter::appendNumberedCell(double x) {
-  if (m_character || m_format)
+  if (m_character || m_parsed)
     appendCell(x, true);
   else
     appendGeneral(m_line, x, numberedCellWidth);
@@ -266,7 +273,7 @@ void ItemPrinter::appendNumberedCell(double x) {
 
 // Groups of columns that fit a line, each below a heading of column numbers.
 void ItemPrinter::numberedRows(const Matrix& m) {
-  std::size_t width = m_format ? 0 : numberedCellWidth;
+  std::size_t width = m_parsed ? 0 : numberedCellWidth;
   for (const double x : m.elements()) {
     m_line.clear();
     appendNumberedCell(x);
@@ -302,11 +309,11 @@ void ItemPrinter::numberedRows(const Matrix& m) {
 
 void ItemPrinter::appendComplex(double re, double im, bool first) {
   const std::string_view sign = im < 0 ? " - " : " + ";
-  if (m_format) {
+  if (m_parsed) {
     if (!first) m_line += ' ';
-    m_format->append(m_line, re);
+    m_parsed->append(m_line, re);
     m_line += sign;
-    m_format->append(m_line, std::fabs(im));
+    m_parsed->append(m_line, std::fabs(im));
   } else {
     appendDefault(m_line, re);
     m_line += sign;

@@ -1,6 +1,7 @@
 #include "values/run_options.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstdint>
 #include <string>
@@ -112,15 +113,17 @@ double execExpression() {
 }  // namespace
 
 double useoptionBuiltin() {
+  constexpr std::array<std::string_view, 4> options = {"DEGREES", "RADIANS", "DEBUGON", "DEBUGOFF"};
   expectChar('(');
   const std::string option = upperCase(readLiteral());
+  if (std::ranges::find(options, option) == options.end()) {
+    raiseError(ErrorKey::invalidData);
+    return 0.0;
+  }
   expectChar(')');
   if (option == "DEGREES") return chooseAngles(degreesMode, " Switching to option DEGREES");
   if (option == "RADIANS") return chooseAngles(radiansMode, " Switching to option RADIANS");
-  if (option == "DEBUGON") return chooseDebug(true);
-  if (option == "DEBUGOFF") return chooseDebug(false);
-  raiseError(ErrorKey::invalidData);
-  return 0.0;
+  return chooseDebug(option == "DEBUGON");
 }
 
 double deleteBuiltin() {

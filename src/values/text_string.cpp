@@ -14,21 +14,6 @@ namespace {
 constexpr std::size_t bytesPerElement = sizeof(double);
 static_assert(bytesPerElement == charactersPerElement + 1);
 
-// What follows `=`, from the next token on; the token after it is current on return.
-std::string readAssignedText(const std::string& name) {
-  const InterpreterState& state = interpreter();
-  std::string text;
-  if (acceptChar('?')) {
-    TextRequest request;
-    request.prompt = name + " =";
-    text = state.shell->textEntry(request).value_or("");
-  } else {
-    text = readText();
-  }
-  getToken();
-  return text;
-}
-
 }  // namespace
 
 void storeText(Matrix& matrix, std::string_view text) {
@@ -75,11 +60,26 @@ void assignText(std::string_view name, std::string_view text) {
   storeText(resultMatrix(name), text);
 }
 
+std::string readAssignedText(const std::string& name) {
+  const InterpreterState& state = interpreter();
+  std::string text;
+  if (acceptChar('?')) {
+    TextRequest request;
+    request.prompt = name + " =";
+    text = state.shell->textEntry(request).value_or("");
+  } else {
+    text = readText();
+  }
+  getToken();
+  return text;
+}
+
 void evalStringAssignment() {
   InterpreterState& state = interpreter();
   const std::string name = readResultName();
   expectChar('=');
   const std::string text = readAssignedText(name);
+  if (!endsExpression(state.scanner.tokenChar)) raiseError(ErrorKey::invalidData);
   assignText(name, text);
   state.noEcho = true;
 }

@@ -23,6 +23,10 @@ std::string loadText(const Matrix& matrix);
 // a local one, 21 or 18 for a function or built-in. An unknown name becomes a global.
 void assignText(std::string_view name, std::string_view text);
 
+// What may follow the `=` of a string: a literal, a string variable with or without `%`, or `?` for
+// a text entry that names the variable. Reads its first token; the token after it is current then.
+std::string readAssignedText(const std::string& name);
+
 // `%` name = "literal" | string | %string | ?, after the `%`, which is the current token. Leaves
 // the token after the value current.
 void evalStringAssignment();

@@ -9,6 +9,7 @@
 #include "interp/interpreter_state.h"
 #include "numlib/special/fractions.h"
 #include "values/argument_readers.h"
+#include "values/evaluator_parts.h"
 #include "values/number_format.h"
 #include "values/text_string.h"
 
@@ -19,10 +20,10 @@ namespace {
 constexpr double largestWholeNumber = 9007199254740992.0;  // 2^53
 constexpr double usualDenominator = 1000000;
 
-// An existing matrix by name; key 59 and null when there is none.
-Matrix* existingMatrix(std::string_view name) {
-  Matrix* matrix = findMatrix(name);
-  if (!matrix) raiseError(ErrorKey::matrixNameExpected);
+// The matrix that a name without brackets must stand for; key 59 and null when it stands for none.
+Matrix* existingMatrix(const SizedName& target) {
+  Matrix* matrix = findMatrix(target.name);
+  if (!matrix) raiseAtName(ErrorKey::matrixNameExpected, target.position);
   return matrix;
 }
 
@@ -33,7 +34,7 @@ void markPlain(Matrix& matrix) {
 }
 
 void setDiagonal(Matrix& matrix) {
-  for (int i = 1; i <= matrix.rows(); ++i) matrix.at(i, i) = 1.0;
+  for (int i = 1; i <= std::min(matrix.rows(), matrix.cols()); ++i) matrix.at(i, i) = 1.0;
 }
 
 // Keys 68 and 25 for a list that does not have the wanted length.
@@ -48,7 +49,7 @@ bool checkCount(std::size_t count, std::uint64_t wanted) {
 // Gives a sized name its brackets' order, and one without brackets the order that it has.
 bool takeExistingOrder(SizedName& target) {
   if (target.sized) return true;
-  const Matrix* matrix = existingMatrix(target.name);
+  const Matrix* matrix = existingMatrix(target);
   if (!matrix) return false;
   target.rows = matrix->rows();
   target.cols = matrix->cols();
@@ -70,18 +71,24 @@ bool isSymmetric(const Matrix& matrix) {
   return true;
 }
 
+// A single order stands for a square; one that is not square raises key 70.
+bool takeSquareOrder(SizedName& target) {
+  if (!takeExistingOrder(target)) return false;
+  if (target.sized && !target.twoOrders) target.rows = target.cols;
+  return target.rows == target.cols || (raiseError(ErrorKey::squareMatrixExpected), false);
+}
+
+// What `defsym` can fill: a square, symmetric already when it has no brackets.
+bool takeSymmetricOrder(SizedName& target) {
+  if (!takeSquareOrder(target)) return false;
+  if (target.sized || isSymmetric(*findMatrix(target.name))) return true;
+  raiseError(ErrorKey::notSymmetric);
+  return false;
+}
+
 // The values are the lower triangle, row by row.
 void fillSymmetric(SizedName target, const std::vector<double>& values) {
-  if (!takeExistingOrder(target)) return;
-  if (target.sized && !target.twoOrders) target.rows = target.cols;
-  if (target.rows != target.cols) {
-    raiseError(ErrorKey::squareMatrixExpected);
-    return;
-  }
-  if (!target.sized && !isSymmetric(*findMatrix(target.name))) {
-    raiseError(ErrorKey::notSymmetric);
-    return;
-  }
+  if (!takeSymmetricOrder(target)) return;
   const auto order = static_cast<std::uint64_t>(target.rows);
   if (!checkCount(values.size(), order * (order + 1) / 2)) return;
   Matrix& matrix = makeSized(target);
@@ -92,41 +99,35 @@ void fillSymmetric(SizedName target, const std::vector<double>& values) {
 
 // ---- zero, unit, zeronew, resizemat ----
 
-// Whether the built-in can act on the target; orders that follow from its form are filled in.
+// Whether the built-in can act on the target, whose last token is current; orders that follow from
+// the form are filled in.
 bool checkOrderTarget(int builtin, SizedName& target) {
   const bool resizes = builtin == builtinCode("resizemat");
   if (!target.sized && (resizes || builtin == builtinCode("zeronew"))) {
-    raiseError(ErrorKey::bracketExpected);
+    expectChar('[');
     return false;
   }
   if (resizes) {
-    const Matrix* matrix = existingMatrix(target.name);
+    const Matrix* matrix = existingMatrix(target);
     if (!matrix) return false;
     if (matrix->isString()) {
-      raiseError(ErrorKey::matrixNameExpected);
+      raiseAtName(ErrorKey::matrixNameExpected, target.position);
       return false;
     }
   }
-  if (!takeExistingOrder(target)) return false;
-  if (builtin == builtinCode("unit")) {
-    if (target.sized && !target.twoOrders) target.rows = target.cols;
-    if (target.rows != target.cols) {
-      raiseError(ErrorKey::squareMatrixExpected);
-      return false;
-    }
-  }
-  return true;
+  return builtin == builtinCode("unit") ? takeSquareOrder(target) : takeExistingOrder(target);
 }
 
-// The new contents of a target whose order is given.
+// The new contents of a target with brackets.
 std::unique_ptr<Matrix> newContents(int builtin, const SizedName& target) {
   auto fresh = newMatrix(target.rows, target.cols);
   if (builtin == builtinCode("unit")) setDiagonal(*fresh);
-  if (builtin == builtinCode("resizemat")) {
-    const Matrix& old = *findMatrix(target.name);
-    const int rows = std::min(old.rows(), fresh->rows());
-    const int cols = std::min(old.cols(), fresh->cols());
-    for (int i = 1; i <= rows; ++i) std::copy_n(old.row(i), cols, fresh->row(i));
+  if (builtin != builtinCode("resizemat")) return fresh;
+  // The orders of a later target may have run a function that deleted this one.
+  if (const Matrix* old = existingMatrix(target)) {
+    const int rows = std::min(old->rows(), fresh->rows());
+    const int cols = std::min(old->cols(), fresh->cols());
+    for (int i = 1; i <= rows; ++i) std::copy_n(old->row(i), cols, fresh->row(i));
   }
   return fresh;
 }
@@ -155,8 +156,8 @@ bool checkBlock(const Matrix& a, const Block& block) {
 // subop(G, A, i, j, B), from B on.
 void getBlock(const MatrixArgument& a, Block block) {
   SizedName target = readSizedName();
-  expectChar(')');
   if (!takeExistingOrder(target)) return;
+  expectChar(')');
   if (findMatrix(target.name) == a.get()) {
     raiseError(ErrorKey::conflictsWithParameter, target.name);
     return;
@@ -225,6 +226,10 @@ double defmatBuiltin() {
   const bool symmetric = interpreter().currentBuiltin == builtinCode("defsym");
   expectChar('(');
   const SizedName target = readSizedName();
+  // What speaks against the target is said while its name is current; the list may change it, so
+  // the same is asked again before the target is filled.
+  SizedName checked = target;
+  if (!(symmetric ? takeSymmetricOrder(checked) : takeExistingOrder(checked))) return noResult();
   expectChar(',');
   const std::vector<double> values = readDataList();
   expectChar(')');
@@ -240,14 +245,14 @@ double orderBuiltin() {
   const int builtin = interpreter().currentBuiltin;
   expectChar('(');
   std::vector<SizedName> targets;
-  do targets.push_back(readSizedName());
-  while (moreArguments());
+  do {
+    targets.push_back(readSizedName());
+    if (!checkOrderTarget(builtin, targets.back())) return noResult();
+  } while (moreArguments());
 
   std::vector<std::unique_ptr<Matrix>> contents;
-  for (SizedName& target : targets) {
-    if (!checkOrderTarget(builtin, target)) return noResult();
+  for (const SizedName& target : targets)
     contents.push_back(target.sized ? newContents(builtin, target) : nullptr);
-  }
   for (std::size_t i = 0; i < targets.size(); ++i) {
     Matrix& matrix = resultMatrix(targets[i].name);
     if (contents[i])
