@@ -173,24 +173,26 @@ constexpr int designedGroups = 94;
 static_assert(std::size(groups) + std::size(laterGroups) == designedGroups);
 
 using Table = std::array<BuiltinEntry, builtinNames.size()>;
+using Entered = std::array<bool, builtinNames.size()>;
 
-consteval void enterGroup(Table& table, Handler handler, std::string_view names) {
+consteval void enterGroup(Table& table, Entered& entered, Handler handler, std::string_view names) {
   while (!names.empty()) {
-    const std::size_t length = std::min(names.find(' '), names.size());
-    BuiltinEntry& entry = table[static_cast<std::size_t>(builtinCode(names.substr(0, length)))];
-    if (entry.handler) throw "a built-in stands in two groups";
-    entry.handler = handler;
-    names.remove_prefix(std::min(length + 1, names.size()));
+    const std::string_view name = names.substr(0, names.find(' '));
+    const auto row = static_cast<std::size_t>(builtinCode(name));
+    if (entered[row]) throw "a built-in stands in two groups";
+    entered[row] = true;
+    table[row] = {name, handler};
+    names.remove_prefix(std::min(name.size() + 1, names.size()));
   }
 }
 
 consteval Table makeTable() {
   Table table{};
-  for (std::size_t i = 0; i < table.size(); ++i) table[i].name = builtinNames[i];
-  for (const Group& group : groups) enterGroup(table, group.handler, group.names);
-  for (const std::string_view names : laterGroups) enterGroup(table, unavailable, names);
-  for (const BuiltinEntry& entry : table)
-    if (!entry.handler) throw "a built-in stands in no group";
+  Entered entered{};
+  for (const Group& group : groups) enterGroup(table, entered, group.handler, group.names);
+  for (const std::string_view names : laterGroups) enterGroup(table, entered, unavailable, names);
+  for (const bool present : entered)
+    if (!present) throw "a built-in stands in no group";
   return table;
 }
 
