@@ -471,12 +471,8 @@ static_assert(rowsMatchTheTables());
 
 }  // namespace
 
-std::span<const BuiltinHelp> builtinHelp() {
-  return builtinRows;
-}
+std::span<const BuiltinHelp> builtinHelp() { return builtinRows; }
 
-std::span<const StatementHelp> statementHelp() {
-  return statementRows;
-}
+std::span<const StatementHelp> statementHelp() { return statementRows; }
 
 }  // namespace vexa
