@@ -69,7 +69,6 @@ class ItemPrinter {
   bool printNamed(const Matrix& m);
   bool printPercent();
   bool printLiteral();
-  bool takeFormat();
   void number(double x);
   void matrix(const Matrix& m);
   void rows(const Matrix& m);
@@ -84,9 +83,8 @@ class ItemPrinter {
   const Scanner& m_scanner;
   TextSink* m_sink;
   PrintStyle m_style;
-  bool m_character = false;  // the next number is written as a byte
-  std::string m_format;      // pending for the next number
-  std::optional<NumberFormat> m_parsed;
+  bool m_character = false;              // the next number is written as a byte
+  std::optional<NumberFormat> m_format;  // pending for the next number
   std::string m_line;
 };
 
@@ -98,7 +96,7 @@ void ItemPrinter::printAll() {
   m_state.noEcho = false;
 }
 
-// Whether `,` or `)` follows an item; numbers and matrices are written only then.
+// Whether `,` or `)` follows an item, which is written only then.
 bool ItemPrinter::separated(Item item) {
   const unsigned char c = m_scanner.tokenChar;
   if (c == ',' || c == ')') [[likely]]
@@ -132,9 +130,10 @@ bool ItemPrinter::printItem() {
     case TOKEN_BLOCK:
       switch (m_scanner.tokenChar) {
         case '^':
-          sink().write({}, lineWhole);
           getToken();
-          return separated(Item::text);
+          if (!separated(Item::text)) return false;
+          sink().write({}, lineWhole);
+          return true;
         case '+':
         case '-':
         case '(':
@@ -191,29 +190,26 @@ bool ItemPrinter::printPercent() {
 // A text that begins with `%` waits for its number; any other is written.
 bool ItemPrinter::printLiteral() {
   const std::string_view text = m_scanner.tokenText;
-  if (text.starts_with('%'))
-    m_format = text;
-  else if (!text.empty())
-    sink().write(text, lineAppend);
+  const bool isFormat = text.starts_with('%');
+  if (isFormat) {
+    m_format = NumberFormat::parse(text);
+    if (!m_format) {
+      raiseError(ErrorKey::invalidData);
+      return false;
+    }
+  }
+  // Only another literal would overwrite the text, and that is a fault.
   getToken();
-  return separated(Item::text);
-}
-
-// Takes the pending format apart when its number has come. False when it cannot be used.
-bool ItemPrinter::takeFormat() {
-  m_parsed.reset();
-  if (m_character || m_format.empty()) return true;
-  m_parsed = NumberFormat::parse(m_format);
-  if (!m_parsed) raiseError(ErrorKey::invalidData);
-  return m_parsed.has_value();
+  if (!separated(Item::text)) return false;
+  if (!isFormat && !text.empty()) sink().write(text, lineAppend);
+  return true;
 }
 
 void ItemPrinter::number(double x) {
-  if (!m_character && m_format.empty()) [[likely]] {
+  if (!m_character && !m_format) [[likely]] {
     printNumber(sink(), x);
     return;
   }
-  if (!takeFormat()) return;
   m_line.clear();
   appendCell(x, true);
   sink().write(m_line, lineAppend);
@@ -222,17 +218,16 @@ void ItemPrinter::number(double x) {
 
 void ItemPrinter::dropFormat() {
   m_character = false;
-  m_format.clear();
-  m_parsed.reset();
+  m_format.reset();
 }
 
 // One element of a row; a pending format joins the elements by one blank.
 void ItemPrinter::appendCell(double x, bool first) {
   if (m_character) {
     m_line += static_cast<char>(truncateToByte(x));
-  } else if (m_parsed) {
+  } else if (m_format) {
     if (!first) m_line += ' ';
-    m_parsed->append(m_line, x);
+    m_format->append(m_line, x);
   } else {
     appendDefault(m_line, x);
   }
@@ -243,12 +238,11 @@ void ItemPrinter::matrix(const Matrix& m) {
     sink().write(loadText(m), lineAppend);
     return;  // a pending format waits for a number
   }
-  if (!takeFormat()) return;
   if (m_style.complexValues && !m_character)
     complexValues(m);
   else if (m_style.alternate)
     numberedRows(m);
-  else if (m_character || m_parsed)
+  else if (m_character || m_format)
     rows(m);
   else
     printMatrix(sink(), m);
@@ -265,7 +259,7 @@ void ItemPrinter::rows(const Matrix& m) {
 }
 
 void ItemPrinter::appendNumberedCell(double x) {
-  if (m_character || m_parsed)
+  if (m_character || m_format)
     appendCell(x, true);
   else
     appendGeneral(m_line, x, numberedCellWidth);
@@ -273,7 +267,7 @@ void ItemPrinter::appendNumberedCell(double x) {
 
 // Groups of columns that fit a line, each below a heading of column numbers.
 void ItemPrinter::numberedRows(const Matrix& m) {
-  std::size_t width = m_parsed ? 0 : numberedCellWidth;
+  std::size_t width = m_format ? 0 : numberedCellWidth;
   for (const double x : m.elements()) {
     m_line.clear();
     appendNumberedCell(x);
@@ -309,11 +303,11 @@ void ItemPrinter::numberedRows(const Matrix& m) {
 
 void ItemPrinter::appendComplex(double re, double im, bool first) {
   const std::string_view sign = im < 0 ? " - " : " + ";
-  if (m_parsed) {
+  if (m_format) {
     if (!first) m_line += ' ';
-    m_parsed->append(m_line, re);
+    m_format->append(m_line, re);
     m_line += sign;
-    m_parsed->append(m_line, std::fabs(im));
+    m_format->append(m_line, std::fabs(im));
   } else {
     appendDefault(m_line, re);
     m_line += sign;

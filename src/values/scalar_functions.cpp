@@ -97,6 +97,18 @@ void applyToElements(std::span<double> elements, Function function) {
   }
 }
 
+// Apart from the handler, whose frame stands once for every level of nested calls.
+[[gnu::noinline]] void applyToMatrix(int builtin, int digits, Matrix& matrix) {
+  withFunction(builtin, digits, [&matrix](auto function) {
+    applyToElements(matrix.elements(), function);
+    return 0.0;
+  });
+}
+
+[[gnu::noinline]] double applyToNumber(int builtin, int digits, double x) {
+  return withFunction(builtin, digits, [x](auto function) { return function(x); });
+}
+
 // A `!` expression, its mark being the current token. A temporary serves as the result; a variable
 // is copied first.
 double functionOfMatrix(int builtin, int digits) {
@@ -112,10 +124,7 @@ double functionOfMatrix(int builtin, int digits) {
     if (!result) return 0.0;
     std::ranges::copy(source.elements(), result->elements().begin());
   }
-  withFunction(builtin, digits, [result](auto function) {
-    applyToElements(result->elements(), function);
-    return 0.0;
-  });
+  applyToMatrix(builtin, digits, *result);
   setBuiltinResult(result);
   interpreter().noEcho = false;
   return result->size() == 1 ? result->at(1, 1) : 0.0;
@@ -139,11 +148,12 @@ double scalarFunctionBuiltin() {
   const int digits = takesDigits ? readDigits() : 0;
   if (nextCharacter() == '!') {
     getToken();
-    return functionOfMatrix(builtin, digits);
+    if (interpreter().scanner.tokenChar == '!') return functionOfMatrix(builtin, digits);
+    rescanToken();
   }
   const double x = evalScalarArg();
   expectChar(')');
-  return withFunction(builtin, digits, [x](auto function) { return function(x); });
+  return applyToNumber(builtin, digits, x);
 }
 
 }  // namespace vexa
