@@ -23,9 +23,13 @@ bool loadProgram(TerminalShell& shell, MemoryDocument& program, const std::strin
   }
   program.setText(std::move(file.text));
   shell.setProgramName(path);
-  shell.activate(&program);
   CoreCommands commands;
-  return commands.setProgram(program) && commands.updateFunctions();
+  if (!commands.setProgram(program) || !commands.updateFunctions()) {
+    commands.documentClosed(&program);
+    return false;
+  }
+  shell.activate(&program);
+  return true;
 }
 
 int evalCommand(const Options& options) {

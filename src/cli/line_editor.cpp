@@ -33,6 +33,7 @@ struct LineInfo {
 };
 
 enum EditOption : int {
+  editorKeys = 2,
   editorSignal = 3,
   editorBind = 4,
   editorAddFunction = 9,
@@ -40,6 +41,7 @@ enum EditOption : int {
   editorMode = 11,
   editorGetCharacter = 13,
   editorClientData = 14,
+  editorPrepareTerminal = 16,
   editorPrompt = 21,
 };
 
@@ -120,6 +122,7 @@ class EditLineReader : public LineReader {
     library.history(m_history, &event, historySetSize, static_cast<int>(History::lineLimit));
     for (const std::string& line : history.lines()) remember(line);
 
+    library.set(m_editor, editorKeys, "emacs");
     library.set(m_editor, editorClientData, this);
     library.set(m_editor, editorPrompt, &EditLineReader::promptOf, invisibleMark);
     library.set(m_editor, editorSignal, 1);
@@ -133,10 +136,14 @@ class EditLineReader : public LineReader {
   }
 
   InputLine read(std::string_view prompt) override {
-    m_prompt.clear();
-    if (m_coloured) m_prompt.append("\1\033[1;32m\1");
-    m_prompt += prompt;
-    if (m_coloured) m_prompt.append("\1\033[0m\1");
+    m_prompt = prompt;
+    if (m_coloured) {
+      // The library hands a code on with the character behind it, here the blank.
+      m_prompt.insert(prompt.find_last_not_of(' ') + 1, "\1\033[0m\1");
+      m_prompt.insert(0, "\1\033[1;32m\1");
+    }
+    // Before the prompt is seen, so that a quick hand types into the line and not beside it.
+    library.set(m_editor, editorPrepareTerminal, 1);
     int count = 0;
     const char* const text = library.gets(m_editor, &count);
     InputLine line;

@@ -23,10 +23,14 @@ int StandardInput::readByte() {
     m_buffer.resize(pieceSize);
     ssize_t count;
     do {
+      waitUnlessInterrupted(STDIN_FILENO, -1);
+      if (interruptPending()) {
+        m_buffer.clear();
+        return interrupted;
+      }
       count = ::read(STDIN_FILENO, m_buffer.data(), m_buffer.size());
-    } while (count < 0 && errno == EINTR && !interruptPending());
+    } while (count < 0 && (errno == EINTR || errno == EAGAIN));
     m_buffer.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
-    if (count < 0 && errno == EINTR) return interrupted;
     if (count <= 0) return endOfInput;
   }
   return static_cast<unsigned char>(m_buffer[m_next++]);

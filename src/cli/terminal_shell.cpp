@@ -5,11 +5,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
-#include <cmath>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
 
 #include "cli/interrupt.h"
 #include "cli/program_file.h"
@@ -340,13 +338,9 @@ Interrupt TerminalShell::interruptRequested() {
 
 void TerminalShell::wait(double seconds) {
   m_output.flush();
-  if (!(seconds > 0)) return;
-  constexpr double longest = 1e9;
-  const double bounded = std::min(seconds, longest);
-  const double whole = std::floor(bounded);
-  timespec left{static_cast<time_t>(whole), static_cast<long>((bounded - whole) * 1e9)};
-  while (!interruptPending() && ::nanosleep(&left, &left) != 0 && errno == EINTR) {
-  }
+  const double end = clock() + seconds;
+  for (double left = seconds; left > 0 && !interruptPending(); left = end - clock())
+    waitUnlessInterrupted(-1, left);
 }
 
 }  // namespace vexa
