@@ -1,21 +1,24 @@
 #!/usr/bin/env python3
 """Runs tables of tiny programs, most of which hold one fault each.
 
-A table is a sequence of records, each a program and the lines that say what it promises:
+A table is a sequence of records, each a program and the lines that say what it promises, or several
+programs of one line each that promise the same:
 
-    main() { x = (1+); }
-    ! %:1: error: Error #27: More than one operator or delimiter  encountered:   near ") " on line  1
+    * main() { x = (1+); } // )
+    * main() { x = 2^-1; } // -
+    ! %:1: error: Error #27: More than one operator or delimiter  encountered:   near "\\? " on line  1
 
 Lines without a mark are the program. A mark is followed by a blank:
 
+    *   a program of one line
     >   next line of stdout     >|  the same, without a line end
     !   next line of stderr, "%" at its start for the path of the program
     =   exit status; without it 1 when an error is promised, otherwise 0
     <   options of `vexa run`   <<  one line of standard input
     #   a comment
 
-Empty lines and comments are no part of a record. Elsewhere \\xHH is a byte and \\{text*N} the text
-N times.
+Empty lines and comments are no part of a record. Elsewhere \\xHH is a byte, \\{text*N} the text N
+times, and \\? in a promise the comment that ends the program.
 """
 
 import re
@@ -37,7 +40,7 @@ def expand(line):
 class Record:
     def __init__(self, number):
         self.number = number
-        self.program = []
+        self.programs = []
         self.options = []
         self.stdin = b""
         self.expected = Result(b"", b"", None)
@@ -57,23 +60,33 @@ class Record:
             self.options += shlex.split(text.decode())
         elif mark == b"<<":
             self.stdin += text + b"\n"
+        elif mark == b"*":
+            self.programs.append([line[2:]])
         else:
-            self.program.append(line)
+            if not self.programs:
+                self.programs.append([])
+            self.programs[-1].append(line)
 
     def failures(self, vexa):
         if self.expected.status is None:
             self.expected.status = int(b": error: " in self.expected.err)
             if not self.expected.out + self.expected.err:
                 raise BadTest(f"line {self.number}: the record promises nothing")
+        return [text for program in self.programs for text in self.failures_of(program, vexa)]
+
+    def failures_of(self, program, vexa):
         with tempfile.TemporaryDirectory(prefix="vexa-test-") as folder:
-            text = b"".join(expand(line) + b"\n" for line in self.program)
+            text = b"".join(expand(line) + b"\n" for line in program)
             Path(folder, PROGRAM.decode()).write_bytes(text)
             result = run_vexa(vexa, ["run", PROGRAM.decode()] + self.options, self.stdin, folder)
-        found = differences(self.expected, result)
+        cited = text.rpartition(b" // ")[2].rstrip(b"\n")
+        expected = Result(self.expected.out, self.expected.err.replace(b"\\?", cited),
+                          self.expected.status)
+        found = differences(expected, result)
         if not found:
             return []
-        program = "\n".join("    " + line[:200].decode("latin-1") for line in self.program)
-        return [f"line {self.number}:\n{program}\n" + "\n".join(found)]
+        listing = "\n".join("    " + line[:200].decode("latin-1") for line in program)
+        return [f"line {self.number}:\n{listing}\n" + "\n".join(found)]
 
 
 def read_records(file):
