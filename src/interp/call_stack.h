@@ -26,7 +26,7 @@ struct LocalRecord {
   Symbol* name = nullptr;         // null until a parameter is bound
   int olderSameName = -1;         // the record that this one hides
   double value = 0;
-  Matrix* matrix = nullptr;       // owned, or the caller's
+  Matrix* matrix = nullptr;  // owned, or the caller's
   std::unique_ptr<Matrix> owned;
 };
 

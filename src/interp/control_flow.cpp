@@ -11,25 +11,20 @@ namespace {
 using State = InterpreterState;
 
 // A branch or body: a brace block.
-void executeBlock(const Scanner& scanner) {
-  getToken();
-  if (scanner.tokenChar != '{') [[unlikely]] {
-    rescanToken();
-    expectChar('{');
-    return;
-  }
-  rescanToken();
-  executeStatement();
+void executeBlock() {
+  expectChar('{');
+  executeBlockStatements();
 }
 
 // A part of `for`: an expression whose number counts; its delimiter is current on return.
 double readPart() {
-  Value value;
   getToken();
+  if (!startsMarkedExpression(interpreter().scanner)) return evalPlainExpressionFromToken();
+  Value value;
+  const bool complex = interpreter().scanner.tokenChar == '@';
   evalExpressionFromToken(value);
-  const double x = numberOf(value);
-  if (value.isMatrix()) [[unlikely]]
-    freeOperand(value);
+  const double x = complex ? 0.0 : numberOf(value);
+  freeOperand(value);
   return x;
 }
 
@@ -60,12 +55,12 @@ bool stopped(const Scanner& scanner) {
 void executeIf() {
   Scanner& scanner = interpreter().scanner;
   if (readParenthesisedCondition() != 0.0) {
-    executeBlock(scanner);
+    executeBlock();
     if (stopped(scanner)) return;
     if (acceptElse(scanner)) skipGroup('{');
   } else {
     skipGroup('{');
-    if (acceptElse(scanner)) executeBlock(scanner);
+    if (acceptElse(scanner)) executeBlock();
   }
 }
 
@@ -75,7 +70,7 @@ bool executeWhile() {
   const bool condition = readParenthesisedCondition() != 0.0;
   const char* body = scanner.progCursor;
   if (condition) {
-    executeBlock(scanner);
+    executeBlock();
     if (scanner.tokenCode == classReturn) return false;
     if (scanner.tokenCode != classBreak) {
       scanner.progCursor = keyword;
@@ -92,7 +87,7 @@ bool executeDo() {
   Scanner& scanner = interpreter().scanner;
   const char* keyword = scanner.tokenStart;
   const char* body = scanner.progCursor;
-  executeBlock(scanner);
+  executeBlock();
   if (scanner.tokenCode == classReturn) return false;
   const bool broken = scanner.tokenCode == classBreak;
   if (broken || scanner.tokenCode == classContinue) {
@@ -143,7 +138,7 @@ void executeFor() {
     }
     if (x == 0.0) break;
     scanner.progCursor = body;
-    executeBlock(scanner);
+    executeBlock();
     if (scanner.tokenCode == classReturn) return;
     if (scanner.tokenCode == classBreak) break;
     scanner.progCursor = step;

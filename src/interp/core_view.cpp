@@ -339,6 +339,7 @@ void CoreCommands::documentClosed(const void* document) {
   for (TextDocument** reference :
        {&state.programDocument, &state.outputDocument, &state.defaultOutputDocument})
     if (*reference == document) *reference = nullptr;
+  if (!state.outputDocument) state.outputChosen = false;
 }
 
 }  // namespace vexa

@@ -125,9 +125,7 @@ constexpr PatternText textOf(ErrorPattern pattern) {
 
 }  // namespace
 
-std::span<const ErrorMessage> errorMessages() {
-  return errorRows;
-}
+std::span<const ErrorMessage> errorMessages() { return errorRows; }
 
 const ErrorMessage* findErrorMessage(ErrorKey key) {
   const auto row = std::lower_bound(

@@ -13,7 +13,8 @@ namespace {
 
 // Row 40 would be one too many: every second row among the first twenty goes.
 void trimErrorList(std::vector<ListRow>& rows) {
-  for (std::size_t at = 0; at < 10; ++at) rows.erase(rows.begin() + static_cast<std::ptrdiff_t>(at));
+  for (std::size_t at = 0; at < 10; ++at)
+    rows.erase(rows.begin() + static_cast<std::ptrdiff_t>(at));
 }
 
 }  // namespace
@@ -21,8 +22,8 @@ void trimErrorList(std::vector<ListRow>& rows) {
 void addToErrorList(std::string_view message, int line, bool isCall) {
   InterpreterState& state = interpreter();
   if (state.errorList.size() == errorListLimit) trimErrorList(state.errorList);
-  state.errorList.push_back({std::string(message), line,
-                             static_cast<std::int16_t>(state.calls.depth()), isCall});
+  state.errorList.push_back(
+      {std::string(message), line, static_cast<std::int16_t>(state.calls.depth()), isCall});
   state.changed(Bar::errors);
 }
 
@@ -30,8 +31,8 @@ int formatAndShowError(ErrorKey key, std::string_view context) {
   InterpreterState& state = interpreter();
   const ErrorMessage* message = findErrorMessage(key);
   if (!message) return 0;
-  const std::string cited = context.empty() ? " near \"" + std::string(tokenSpelling())
-                                            : "\" " + std::string(context);
+  const std::string cited =
+      context.empty() ? " near \"" + std::string(tokenSpelling()) : "\" " + std::string(context);
   const std::string line =
       state.errorLine < 0 ? std::string("CALC") : ' ' + std::to_string(state.errorLine);
   state.lastErrorMessage = " Error #" + fillErrorMessage(*message, cited, line);
@@ -59,14 +60,13 @@ void raiseError(ErrorKey key) {
   const std::string context = std::exchange(state.faultContext, {});
   if (key != ErrorKey::programTerminated) formatAndShowError(key, context);
   if (state.programDocument && state.errorLine >= 0)
-    state.programDocument->markErrorLine(
-        state.errorLine,
-        key == ErrorKey::programTerminated ? std::string_view() : state.lastErrorMessage);
+    state.programDocument->markErrorLine(state.errorLine, key == ErrorKey::programTerminated
+                                                              ? std::string_view()
+                                                              : state.lastErrorMessage);
   if (state.updatingDeclarations) return;
   state.shell->refresh(refreshValues | refreshLocals | refreshCalls | refreshErrors);
   if (!state.shell->barShown(Bar::errors)) state.shell->showBar(Bar::errors);
-  if (state.displayValues && !state.shell->barShown(Bar::values))
-    state.shell->showBar(Bar::values);
+  if (state.displayValues && !state.shell->barShown(Bar::values)) state.shell->showBar(Bar::values);
   // The records of the swap list are popped one by one while the stack unwinds.
   state.mode = 0;
   throw RunAbandoned{};

@@ -1,7 +1,7 @@
 #include "interp/functions.h"
 
-#include <array>
 #include <algorithm>
+#include <array>
 #include <utility>
 
 #include "interp/program_text.h"
@@ -221,13 +221,11 @@ void runBody(State& state, Symbol& function, const ArgumentList& arguments, cons
   const bool blockInExpression = std::exchange(state.blockInExpression, false);
   scanner.progCursor = function.position;
   bindParameters(state, function);
-  getToken();
-  rescanToken();
-  if (scanner.tokenChar != '{') expectChar('{');
+  expectChar('{');
   state.shell->pump();
   state.returnValue = 0.0;
   state.returnMatrix = nullptr;
-  executeStatement();
+  executeBlockStatements();
   if (scanner.tokenCode == classBreak || scanner.tokenCode == classContinue) {
     getToken();
     raiseError(ErrorKey::strayBreak);

@@ -54,22 +54,23 @@ struct InterpreterState {
   TextDocument* programDocument = nullptr;
   TextDocument* outputDocument = nullptr;
   TextDocument* defaultOutputDocument = nullptr;
+  bool outputChosen = false;  // outputDocument may be written into as it is
 
   // Flags.
   bool busy = false;
   bool running = false;
-  bool evaluating = false;         // calculator evaluation
+  bool evaluating = false;  // calculator evaluation
   bool updatingDeclarations = false;
   bool functionsCurrent = false;
-  bool functionSeen = false;       // function count flag
+  bool functionSeen = false;  // function count flag
   bool trace = false;
   bool displayValues = false;
   bool initialising = false;       // the initial value of a local is being read
   bool blockInExpression = false;  // the statements of an `exec` block or a calculator
   char returnPending = 0;
-  bool endReached = false;          // the keyword `end` stopped the run
+  bool endReached = false;  // the keyword `end` stopped the run
   bool runInterrupted = false;
-  unsigned faultCount = 0;         // faults raised so far, for who must know of a new one
+  unsigned faultCount = 0;  // faults raised so far, for who must know of a new one
   RunOutcome outcome = RunOutcome::none;
 
   // The scanner and what it reads names with.

@@ -22,23 +22,18 @@ BoxButton& addButton(BoxLayout& layout, std::string_view label, int answer) {
 
 // The later of two rules that name a default decides.
 void addDefault(BoxLayout& layout, std::string_view label, int answer) {
-  for (BoxButton& button : layout.buttons)
-    button.isDefault = false;
+  for (BoxButton& button : layout.buttons) button.isDefault = false;
   addButton(layout, label, answer).isDefault = true;
 }
 
-void addCancel(BoxLayout& layout) {
-  addButton(layout, "&Cancel", 2).isCancel = true;
-}
+void addCancel(BoxLayout& layout) { addButton(layout, "&Cancel", 2).isCancel = true; }
 
 void addRetryCancel(BoxLayout& layout) {
   addDefault(layout, "&Retry", 4);
   addCancel(layout);
 }
 
-char lower(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
+char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
 // Lower case, without "&" and without blanks at the ends.
 std::string plain(std::string_view text) {

@@ -23,7 +23,7 @@ enum class BoxIcon { information, question, error };
 
 struct BoxButton {
   std::string_view label;
-  int answer;            // 0 for "&View Data"
+  int answer;  // 0 for "&View Data"
   bool isDefault = false;
   bool isCancel = false;
 };

@@ -55,12 +55,12 @@ struct Symbol {
   char state = 0;
   char flags = 0;
   double value = 0;
-  std::unique_ptr<Matrix> matrix;        // of a global matrix
-  const char* position = nullptr;        // of a user function: just after its name
+  std::unique_ptr<Matrix> matrix;           // of a global matrix
+  const char* position = nullptr;           // of a user function: just after its name
   std::shared_ptr<const std::string> text;  // the program text that `position` points into
-  int localTop = -1;  // newest local record of this name, in any frame
-  int dummyTop = -1;  // newest dummy variable of this name, in any frame
-  Symbol* olderGlobal = nullptr;  // neighbours in the order in which globals were made
+  int localTop = -1;                        // newest local record of this name, in any frame
+  int dummyTop = -1;                        // newest dummy variable of this name, in any frame
+  Symbol* olderGlobal = nullptr;            // neighbours in the order in which globals were made
   Symbol* newerGlobal = nullptr;
 
   std::string_view name() const { return {nameBuffer.data(), nameLength}; }
@@ -73,17 +73,18 @@ struct NameKey {
   std::uint64_t hash = 0;
 };
 
+inline constexpr std::size_t prefixLength = 8;
+
 // `word` must be followed by at least eight readable bytes.
 inline NameKey nameKeyOfPadded(const char* word, std::size_t length) {
   constexpr std::uint64_t multiplier = 0x9E3779B97F4A7C15u;
   std::uint64_t prefix;
-  std::memcpy(&prefix, word, 8);
-  if (length < 8) prefix &= (std::uint64_t{1} << (8 * length)) - 1;
-  std::uint64_t hash = (prefix ^ (length << 56)) * multiplier;
-  for (std::size_t i = 8; i < length; ++i)
+  std::memcpy(&prefix, word, prefixLength);
+  if (length < prefixLength) prefix &= (std::uint64_t{1} << (8 * length)) - 1;
+  std::uint64_t hash = prefix * multiplier;
+  for (std::size_t i = prefixLength; i < length; ++i)
     hash = (hash ^ static_cast<unsigned char>(word[i])) * multiplier;
-  hash ^= hash >> 32;
-  return {prefix, hash};
+  return {prefix, hash ^ (hash >> 32)};
 }
 NameKey nameKeyOf(std::string_view word);
 
@@ -96,11 +97,19 @@ class NamePool {
   Symbol* find(const char* word, std::size_t length, NameKey key) const {
     for (std::size_t at = key.hash & m_mask;; at = (at + 1) & m_mask) {
       const Slot& slot = m_slots[at];
+      if (slot.prefix == key.prefix && slot.symbol) {
+        // A shorter word fills its prefix up with NULs, which no word contains.
+        if (length < prefixLength || sameTail(*slot.symbol, word, length)) return slot.symbol;
+      }
       if (!slot.symbol) return nullptr;
-      if (slot.prefix == key.prefix && slot.symbol->nameLength == length &&
-          (length <= 8 ||
-           std::memcmp(slot.symbol->nameBuffer.data() + 8, word + 8, length - 8) == 0))
-        return slot.symbol;
+    }
+  }
+  // The same for a word shorter than its prefix.
+  Symbol* findShort(NameKey key) const {
+    for (std::size_t at = key.hash & m_mask;; at = (at + 1) & m_mask) {
+      const Slot& slot = m_slots[at];
+      if (slot.prefix == key.prefix) return slot.symbol;
+      if (!slot.symbol) return nullptr;
     }
   }
   Symbol* find(std::string_view word) const;
@@ -126,6 +135,11 @@ class NamePool {
     std::uint64_t prefix = 0;
     Symbol* symbol = nullptr;
   };
+  static bool sameTail(const Symbol& symbol, const char* word, std::size_t length) {
+    return symbol.nameLength == length &&
+           std::memcmp(symbol.nameBuffer.data() + prefixLength, word + prefixLength,
+                       length - prefixLength) == 0;
+  }
   void registerPermanentNames();
   void registerPresets();
   void insert(Symbol* symbol, NameKey key);

@@ -5,20 +5,6 @@
 
 namespace vexa {
 
-namespace {
-
-class DocumentSink : public TextSink {
- public:
-  void write(std::string_view text, char mode) override {
-    InterpreterState& state = interpreter();
-    if (!state.outputDocument || state.outputDocument->role() == roleExecuted)
-      chooseOutputDocument(2);
-    state.outputDocument->write(text, mode);
-  }
-};
-
-}  // namespace
-
 void StringSink::write(std::string_view text, char mode) {
   const bool whole = mode != lineAppend;
   if (whole && !text.empty() && !m_text.empty() && m_text.back() != '\n') m_text += '\n';
@@ -27,9 +13,10 @@ void StringSink::write(std::string_view text, char mode) {
 }
 
 TextSink& outputSink() {
-  static DocumentSink document;
-  TextSink* sink = interpreter().sink;
-  return sink ? *sink : document;
+  InterpreterState& state = interpreter();
+  if (state.sink) return *state.sink;
+  if (!state.outputChosen) chooseOutputDocument(2);
+  return *state.outputDocument;
 }
 
 }  // namespace vexa

@@ -5,18 +5,9 @@
 #include <string>
 #include <string_view>
 
+#include "interp/text_sink.h"
+
 namespace vexa {
-
-inline constexpr char lineAppend = 0;
-inline constexpr char lineWhole = 'L';
-inline constexpr char lineTitle = 'B';
-
-// Where printed text goes. The line modes are those of TextDocument::write.
-class TextSink {
- public:
-  virtual ~TextSink() = default;
-  virtual void write(std::string_view text, char mode) = 0;
-};
 
 // Collects what would be printed; lines end with a line feed.
 class StringSink : public TextSink {

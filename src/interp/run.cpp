@@ -39,6 +39,7 @@ TextDocument& createOutputDocument(State& state) {
   state.outputDocument = &document;
   state.defaultOutputDocument = &document;
   document.setRole(roleOutput);
+  state.outputChosen = true;
   return document;
 }
 
@@ -115,10 +116,12 @@ bool executeProgram(TextDocument& program) {
   if (!takeProgramText(state, program)) return false;
   state.programDocument = &program;
   program.setRole(roleExecuted);
-  if (state.outputDocument && state.outputDocument->role() != roleExecuted)
+  if (state.outputDocument && state.outputDocument->role() != roleExecuted) {
     state.shell->bringToFront(*state.outputDocument);
-  else
+    state.outputChosen = true;
+  } else {
     createOutputDocument(state);
+  }
   state.outputDocument->beginRun();
 
   state.running = true;
@@ -153,8 +156,10 @@ bool chooseOutputDocument(int mode) {
       return false;
     }
     state.outputDocument = active;
+    state.outputChosen = false;
     return true;
   }
+  state.outputChosen = true;
   if (state.outputDocument && state.outputDocument->role() != roleExecuted) {
     state.outputDocument->setRole(roleOutput);
   } else if (state.defaultOutputDocument) {
@@ -318,8 +323,7 @@ bool updateProgram() {
   updateDeclarations(state);
   state.updatingDeclarations = false;
   state.evaluating = evaluating;
-  if (state.faultCount != faults)
-    messageBox("Program Update: Error in function declaration");
+  if (state.faultCount != faults) messageBox("Program Update: Error in function declaration");
   state.scanner = saved;
   state.changed(Bar::functions);
   state.shell->refresh(refreshFunctions);

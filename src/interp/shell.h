@@ -12,6 +12,8 @@
 #include <string_view>
 #include <vector>
 
+#include "interp/text_sink.h"
+
 class CMiniDrawDoc;
 
 namespace vexa {
@@ -19,7 +21,8 @@ namespace vexa {
 enum class Interrupt { none, escape, stop };
 enum class Bar { locals, values, calls, errors, functions, globals };
 
-// Which displays a front should bring up to date; values combine. refreshRunStart empties the lists.
+// Which displays a front should bring up to date; values combine. refreshRunStart empties the
+// lists.
 enum Refresh : unsigned {
   refreshValues = 1,
   refreshLocals = 2,
@@ -95,19 +98,14 @@ inline constexpr int roleExecuted = 3;  // its program is being or was last exec
 
 // A program or output document as the core sees it. Owned by the front, which tells the core
 // (CoreCommands::documentClosed) before it destroys one.
-class TextDocument {
+class TextDocument : public TextSink {
  public:
-  virtual ~TextDocument() = default;
   virtual int role() const = 0;
   virtual void setRole(int role) = 0;
   virtual bool loaded() const = 0;
   virtual int lineCount() const = 0;
   // From 1, without its line end.
   virtual std::string line(int number) const = 0;
-  // Mode 0 appends to the current line. Mode 'L' with a text ends the current line if it is not
-  // empty, writes the text and ends the line; without a text it ends the current line. Mode 'B' is
-  // 'L' in the style of a title.
-  virtual void write(std::string_view text, char mode) = 0;
   virtual void beginRun() = 0;
   virtual void markErrorLine(int number, std::string_view message) = 0;
 };
@@ -160,12 +158,12 @@ class Shell {
   // The course of a run.
   virtual void runBegins() = 0;
   virtual void runEnds(bool fault) = 0;
-  virtual void pump() = 0;                     // at each function entry
+  virtual void pump() = 0;  // at each function entry
   // Asked by the scanner now and then; true once for each press. `escape` lets the core ask
   // whether to go on, `stop` ends the run without a question: a front that cannot ask answers stop.
   virtual Interrupt interruptRequested() = 0;
-  virtual void wait(double seconds) = 0;       // returns early when an interrupt is pending
-  virtual double clock() = 0;                  // seconds of a steady clock
+  virtual void wait(double seconds) = 0;  // returns early when an interrupt is pending
+  virtual double clock() = 0;             // seconds of a steady clock
 };
 
 }  // namespace vexa

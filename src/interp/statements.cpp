@@ -16,20 +16,25 @@ using State = InterpreterState;
 // What the dispatcher does after a statement.
 enum class Next { sequence, leave, again };
 
+void expectSemicolon(const Scanner& scanner) {
+  if (scanner.tokenChar == ';') [[likely]]
+    return;
+  rescanToken();
+  expectChar(';');
+}
+
 // An expression and its semicolon, the expression's first token being current.
-void expressionStatement(State& state) {
-  const Scanner& scanner = state.scanner;
-  const bool marked = scanner.tokenChar == '!' || scanner.tokenChar == '@';
+void expressionStatement(const Scanner& scanner) {
+  if (!startsMarkedExpression(scanner)) {
+    evalPlainExpressionFromToken();
+    expectSemicolon(scanner);
+    return;
+  }
   Value value;
   evalExpressionFromToken(value);
-  if (scanner.tokenChar != ';') [[unlikely]] {
-    rescanToken();
-    expectChar(';');
-  }
-  if (value.isMatrix()) [[unlikely]] {
-    if (marked) printAutomatically(*value.matrix);
-    freeOperand(value);
-  }
+  expectSemicolon(scanner);
+  printAutomatically(*value.matrix);
+  freeOperand(value);
 }
 
 void caseLabel(const Scanner& scanner) {
@@ -99,18 +104,20 @@ Next keywordStatement(State& state) {
 
 }  // namespace
 
-void executeStatement() {
+namespace {
+
+// The dispatcher; `inBlock` when statements run as a sequence up to the closing brace.
+void dispatch(bool inBlock) {
   State& state = interpreter();
   Scanner& scanner = state.scanner;
   const NestingGuard guard;
-  bool inBlock = false;
   for (;;) {
     getToken();
     if (scanner.tokenChar == ':') inBlock = true;
     bool again = false;
     switch (scanner.tokenType) {
       case TOKEN_NAME:
-        expressionStatement(state);
+        expressionStatement(scanner);
         break;
       case TOKEN_BLOCK:
         if (scanner.tokenChar == '}') {
@@ -139,6 +146,11 @@ void executeStatement() {
     if (!inBlock && !again) return;
   }
 }
+
+}  // namespace
+
+void executeStatement() { dispatch(false); }
+void executeBlockStatements() { dispatch(true); }
 
 BlockEnd executeBlockInExpression() {
   State& state = interpreter();

@@ -10,6 +10,8 @@ namespace vexa {
 // it is `:`. With automatic printing, expression statements that begin with `!` or `@` write their
 // result while the matrix print limit lasts.
 void executeStatement();
+// The statements of a block whose `{` has been read.
+void executeBlockStatements();
 
 // How the brace block of an `exec` list ended. The cursor stands after the block in every case.
 enum class BlockEnd { completed, broken, continued };

@@ -153,6 +153,8 @@ void raiseExpected(char c) {
 }
 
 void expectChar(char c) {
+  if (acceptLone(c)) [[likely]]
+    return;
   getToken();
   const InterpreterState& state = interpreter();
   if (state.scanner.tokenChar == static_cast<unsigned char>(c)) [[likely]]

@@ -9,13 +9,14 @@
 namespace vexa {
 
 enum CharacterClass : std::uint8_t {
-  charBlank = 1,        // blank, tab, carriage return, line feed
+  charBlank = 1,  // blank, tab, carriage return, line feed
   charLetter = 2,
   charDigit = 4,
-  charNamePart = 8,     // may continue a name: letters, digits, _ # $
-  charWordPart = 16,    // what the bracket scan passes over: as in a name, and "."
+  charNamePart = 8,   // may continue a name: letters, digits, _ # $
+  charWordPart = 16,  // what the bracket scan passes over: as in a name, and "."
   charPunctuation = 32,
   charStructural = 64,  // [](){},;
+  charLone = 128,       // punctuation that is a token by itself, whatever follows
 };
 
 inline constexpr std::array<std::uint8_t, 256> characterClasses = [] {
@@ -38,6 +39,8 @@ inline constexpr std::array<std::uint8_t, 256> characterClasses = [] {
   mark('.', charWordPart);
   for (const char c : {'[', ']', '(', ')', '{', '}', ',', ';'})
     mark(static_cast<unsigned char>(c), charStructural);
+  for (const char c : {'(', ')', '[', ']', '{', '}', ',', ';', ':', '+', '-', '*', '^', '~', '?'})
+    mark(static_cast<unsigned char>(c), charLone);
   return table;
 }();
 

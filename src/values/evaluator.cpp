@@ -8,7 +8,6 @@
 #include "values/builtins.h"
 #include "values/character_class.h"
 #include "values/evaluator_parts.h"
-#include "values/number_format.h"
 #include "values/text_string.h"
 
 namespace vexa {
@@ -19,8 +18,11 @@ using State = InterpreterState;
 
 double conditionAssignment(State& state);
 
+// The levels of a condition, from the highest precedence down. Each goes on from its first operand,
+// so that an expression that is a lone primary is done at once.
+
 // Level 6: the power, joined from the left; its right operand is a primary.
-inline double conditionPower(State& state) {
+inline double powerOperand(State& state) {
   double x = conditionPrimary(state);
   while (state.scanner.tokenChar == '^') {
     nextOperand();
@@ -31,26 +33,25 @@ inline double conditionPower(State& state) {
 }
 
 // Level 5: one sign, which applies to the whole power expression.
-inline double conditionUnary(State& state) {
+inline double unaryOperand(State& state) {
   const unsigned char sign = state.scanner.tokenChar;
-  if (sign != '-' && sign != '+') return conditionPower(state);
+  if (sign != '-' && sign != '+') return powerOperand(state);
   nextOperand();
-  const double x = conditionPower(state);
+  const double x = powerOperand(state);
   state.noEcho = false;
   return sign == '-' ? -x : x;
 }
 
 // Level 4.
-inline double conditionProduct(State& state) {
-  double x = conditionUnary(state);
+inline double continueProduct(State& state, double x) {
   for (;;) {
     const unsigned char sign = state.scanner.tokenChar;
     if (sign == '*') {
       nextOperand();
-      x *= conditionUnary(state);
+      x *= unaryOperand(state);
     } else if (sign == '/') {
       nextOperand();
-      const double divisor = conditionUnary(state);
+      const double divisor = unaryOperand(state);
       if (divisor == 0.0) raiseError(ErrorKey::floatingPoint);
       x /= divisor;
     } else {
@@ -60,20 +61,21 @@ inline double conditionProduct(State& state) {
   }
 }
 
+double productOperand(State& state) { return continueProduct(state, unaryOperand(state)); }
+
 // Level 3.
-inline double conditionSum(State& state) {
-  double x = conditionProduct(state);
+inline double continueSum(State& state, double x) {
   for (;;) {
     const unsigned char sign = state.scanner.tokenChar;
     if (sign == '+') {
       nextOperand();
-      x += conditionProduct(state);
+      x += productOperand(state);
     } else if (sign == '-') {
       nextOperand();
-      x -= conditionProduct(state);
+      x -= productOperand(state);
     } else if (sign == '?') {
       nextOperand();
-      const double magnitude = std::fabs(conditionProduct(state));
+      const double magnitude = std::fabs(productOperand(state));
       x = x < 0.0 ? x - magnitude : x + magnitude;
     } else {
       return x;
@@ -82,14 +84,14 @@ inline double conditionSum(State& state) {
   }
 }
 
+double sumOperand(State& state) { return continueSum(state, productOperand(state)); }
+
 // Level 2: at most one comparison; a second one is left to the caller.
-inline double conditionComparison(State& state) {
-  const double a = conditionSum(state);
+double continueComparison(State& state, double a) {
   const unsigned char code = state.scanner.operatorCode();
-  if (code < OP_LT || code > OP_NE) [[likely]]
-    return a;
+  if (code < OP_LT || code > OP_NE) return a;
   nextOperand();
-  const double b = conditionSum(state);
+  const double b = sumOperand(state);
   state.noEcho = false;
   switch (code) {
     case OP_LT:
@@ -108,17 +110,24 @@ inline double conditionComparison(State& state) {
 }
 
 // Level 1: both operands are always evaluated.
-inline double conditionLogic(State& state) {
-  double x = conditionComparison(state);
+double continueLogic(State& state, double x) {
   for (;;) {
     const unsigned char code = state.scanner.operatorCode();
-    if (code != OP_AND && code != OP_OR) [[likely]]
-      return x;
+    if (code != OP_AND && code != OP_OR) return x;
     nextOperand();
-    const double y = conditionComparison(state);
+    const double y = continueComparison(state, sumOperand(state));
     x = code == OP_AND ? (x != 0.0 && y != 0.0) : (x != 0.0 || y != 0.0);
     state.noEcho = false;
   }
+}
+
+inline double conditionLogic(State& state) {
+  const Scanner& scanner = state.scanner;
+  double x = unaryOperand(state);
+  if (endsExpression(scanner.tokenChar)) return x;
+  x = continueSum(state, continueProduct(state, x));
+  if (endsExpression(scanner.tokenChar)) return x;
+  return continueLogic(state, continueComparison(state, x));
 }
 
 // A string variable takes a literal or another string by its plain name, too. False when the value
@@ -130,7 +139,8 @@ bool assignedText(State& state, std::string_view name) {
     text = scanner.tokenText;
   } else if (scanner.tokenType == TOKEN_NAME && scanner.symbol) {
     const Matrix* source = matrixOf(*scanner.symbol);
-    if (!source || !source->isString() || !endsExpression(static_cast<unsigned char>(nextCharacter())))
+    if (!source || !source->isString() ||
+        !endsExpression(static_cast<unsigned char>(nextCharacter())))
       return false;
     text = loadText(*source);
   } else {
@@ -142,11 +152,11 @@ bool assignedText(State& state, std::string_view name) {
   return true;
 }
 
-// name = value, the name being the current token and `=` known to follow.
-double plainAssignment(State& state) {
+// name = value, the name being the current token and `value` the place behind the `=`.
+double plainAssignment(State& state, const char* value) {
   Symbol* symbol = state.scanner.symbol;
   const std::string_view name = state.scanner.tokenText;
-  getToken();
+  state.scanner.progCursor = value;
   getToken();
   if (symbol) [[likely]] {
     const Matrix* target = matrixOf(*symbol);
@@ -174,9 +184,9 @@ double elementAssignment(State& state) {
 double conditionAssignment(State& state) {
   const Scanner& scanner = state.scanner;
   if (scanner.tokenType == TOKEN_NAME && scanner.nameKind <= NameKind::variable) {
-    const char* after = skipBlanks(scanner.progCursor);
+    const char* after = peekBlanks(scanner.progCursor);
     if (*after == '=') {
-      if (after[1] != '=') return plainAssignment(state);
+      if (after[1] != '=') return plainAssignment(state, after + 1);
     } else if (*after == '[') {
       const char* past = pastGroup(after);
       if (past && isAssignmentSign(past)) return elementAssignment(state);
@@ -239,8 +249,9 @@ inline double floatOperand(State& state, double x) {
 double callOperand(State& state, Symbol& function) {
   callUserFunction(function);
   const Matrix* matrix = state.returnMatrix;
-  const double x =
-      !matrix ? state.returnValue : matrix->size() == 1 && !matrix->isString() ? matrix->at(1, 1) : 0.0;
+  const double x = !matrix                                      ? state.returnValue
+                   : matrix->size() == 1 && !matrix->isString() ? matrix->at(1, 1)
+                                                                : 0.0;
   endPrimary();
   state.noEcho = false;
   return x;
@@ -331,7 +342,7 @@ double conditionPrimary(InterpreterState& state) {
   Scanner& scanner = state.scanner;
   switch (scanner.tokenType) {
     case TOKEN_NUMBER: {
-      double x = parseNumber(scanner.tokenText);
+      double x = scanner.numberValue;
       if (*scanner.progCursor == '%') {
         ++scanner.progCursor;
         x *= 0.01;
@@ -405,17 +416,26 @@ double readParenthesisedCondition() {
   return parenthesised(state);
 }
 
+double evalPlainExpressionFromToken() {
+  State& state = interpreter();
+  const Scanner& scanner = state.scanner;
+  if (scanner.tokenChar == ';' || scanner.atEnd()) [[unlikely]]
+    raiseError(ErrorKey::noExpression);
+  const double x = conditionAssignment(state);
+  if (!endsExpression(scanner.tokenChar)) [[unlikely]]
+    raiseError(ErrorKey::invalidData);
+  return x;
+}
+
 void evalExpressionFromToken(Value& result) {
   State& state = interpreter();
   const Scanner& scanner = state.scanner;
-  if (scanner.tokenChar == ';' || scanner.atEnd()) raiseError(ErrorKey::noExpression);
-  if (scanner.tokenType == TOKEN_NAME && (scanner.tokenChar == '!' || scanner.tokenChar == '@')) {
-    evalMatrixExpression(result, static_cast<char>(scanner.tokenChar), true);
-    state.noEcho = false;
-    if (!endsExpression(scanner.tokenChar)) raiseError(ErrorKey::invalidData);
+  if (!startsMarkedExpression(scanner)) {
+    result.setScalar(evalPlainExpressionFromToken());
     return;
   }
-  result.setScalar(conditionAssignment(state));
+  evalMatrixExpression(result, static_cast<char>(scanner.tokenChar), true);
+  state.noEcho = false;
   if (!endsExpression(scanner.tokenChar)) raiseError(ErrorKey::invalidData);
 }
 
@@ -479,7 +499,7 @@ double assignScalar(std::string_view name, Symbol* symbol, double x) {
   if (symbol) {
     if (symbol->localTop >= state.calls.localsBase()) {
       LocalRecord& record = state.calls.local(symbol->localTop);
-      if (record.type == typeFloat) 
+      if (record.type == typeFloat)
         return record.value = record.flags == flagWhole ? wholeNumber(x, true) : x;
       raiseError(ErrorKey::bracketExpected);
       return x;

@@ -41,6 +41,12 @@ double numberOf(const Value& value);
 void evalExpression(Value& result);
 // The same from the current token on; leaves the delimiter current instead of putting it back.
 void evalExpressionFromToken(Value& result);
+// The same where the current token is no `!` or `@`: a number.
+double evalPlainExpressionFromToken();
+// Whether the current token is the `!` or `@` of a matrix or complex expression.
+inline bool startsMarkedExpression(const Scanner& scanner) {
+  return scanner.tokenChar == '!' || scanner.tokenChar == '@';
+}
 
 // A condition expression, from the current token on; the first token after it is current then.
 double evalCondition();

@@ -30,7 +30,9 @@ class Matrix {
 
   int rows() const { return m_rows; }
   int cols() const { return m_cols; }
-  std::size_t size() const { return static_cast<std::size_t>(m_rows) * static_cast<std::size_t>(m_cols); }
+  std::size_t size() const {
+    return static_cast<std::size_t>(m_rows) * static_cast<std::size_t>(m_cols);
+  }
 
   double* row(int i) { return m_rowTable[i]; }
   const double* row(int i) const { return m_rowTable[i]; }

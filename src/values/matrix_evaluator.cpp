@@ -9,7 +9,6 @@
 #include "values/builtins.h"
 #include "values/evaluator_parts.h"
 #include "values/matrix_operators.h"
-#include "values/number_format.h"
 
 namespace vexa {
 
@@ -306,7 +305,7 @@ void valueExponent(State& state, Value& value) {
   nextOperand();
   if (value.isMatrix() && state.mode == '!' && scanner.tokenChar == '-') {
     getToken();
-    if (scanner.tokenType != TOKEN_NUMBER || parseNumber(scanner.tokenText) != 1.0)
+    if (scanner.tokenType != TOKEN_NUMBER || scanner.numberValue != 1.0)
       raiseError(ErrorKey::invalidData);
     applyInverse(value);
     endPrimary();
@@ -400,8 +399,7 @@ void valueSum(State& state, Value& value) {
 // A number is no result of the whole expression; inside parentheses it may be assigned plainly.
 void refuseOutermostNumber(const State& state, const Value& value, Place place) {
   if (place == Place::outermost && !value.isMatrix())
-    raiseError(state.mode == '@' ? ErrorKey::complexPrefixRequired
-                                 : ErrorKey::matrixNameExpected);
+    raiseError(state.mode == '@' ? ErrorKey::complexPrefixRequired : ErrorKey::matrixNameExpected);
 }
 
 // The right side after a target; the `=` is the next token.

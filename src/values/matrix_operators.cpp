@@ -169,7 +169,8 @@ void complexBinary(Value& left, BinaryOperator op, Value& right) {
 }
 
 bool isVectorOf(const Value& value, int count) {
-  return (value.rows() == 1 && value.cols() == count) || (value.cols() == 1 && value.rows() == count);
+  return (value.rows() == 1 && value.cols() == count) ||
+         (value.cols() == 1 && value.rows() == count);
 }
 
 // Vectors of two or three elements of the same order; two elements give a number as 1 x 1.

@@ -154,8 +154,40 @@ std::size_t padLeft(char* out, std::size_t length, int width) {
 
 }  // namespace
 
+namespace {
+
+constexpr std::size_t kDefaultWidth = 12;
+
+// Numbers below 10^5 with at most one decimal: six digits that "%g" writes in full. Ten times the
+// number is rounded once, so when it comes out whole, that whole number over ten is its six-digit
+// decimal. False for every other number.
+bool formatShort(char* out, double x) {
+  const double a = std::fabs(x);
+  if (!(a < 1e5)) return false;
+  const double scaled = a * 10.0;
+  auto digits = static_cast<std::uint32_t>(scaled);
+  if (static_cast<double>(digits) != scaled) return false;
+  std::memset(out, ' ', kDefaultWidth);
+  char* at = out + kDefaultWidth;
+  const std::uint32_t tenths = digits % 10;
+  digits /= 10;
+  if (tenths != 0) {
+    *--at = static_cast<char>('0' + tenths);
+    *--at = '.';
+  }
+  do {
+    *--at = static_cast<char>('0' + digits % 10);
+    digits /= 10;
+  } while (digits != 0);
+  if (std::signbit(x)) *--at = '-';
+  return true;
+}
+
+}  // namespace
+
 std::size_t formatDefault(std::span<char> out, double x) {
   if (out.size() < kDefaultNumberSize) return 0;
+  if (formatShort(out.data(), x)) return kDefaultWidth;
   out[0] = ' ';
   return 1 + formatGeneral(out.subspan(1), x, kDefaultPrecision, 11);
 }

@@ -1,5 +1,6 @@
 #include "values/scanner.h"
 
+#include <bit>
 #include <cstring>
 
 #include "interp/interpreter_state.h"
@@ -7,6 +8,7 @@
 #include "interp/program_text.h"
 #include "values/argument_readers.h"
 #include "values/character_class.h"
+#include "values/number_format.h"
 
 namespace vexa {
 
@@ -14,13 +16,13 @@ namespace {
 
 constexpr int pollInterval = 512;  // tokens between two questions to the shell
 
-constexpr std::string_view operatorSpellings[] = {"",   "<",  "<=", ">",  ">=", "==",
-                                                  "!=", "&&", "||", "&*", "&/", "&^"};
+constexpr std::string_view operatorSpellings[] = {
+    "", "<", "<=", ">", ">=", "==", "!=", "&&", "||", "&*", "&/", "&^"};
 
 // Operator codes as token texts: the one-byte codes and the codes written twice.
-constexpr char codeBytes[] = {OP_LT, OP_LT, OP_LE, OP_LE, OP_GT,      OP_GT,      OP_GE,
-                              OP_GE, OP_EQ, OP_EQ, OP_NE, OP_NE,      OP_AND,     OP_AND,
-                              OP_OR, OP_OR, OP_AMP_MUL,   OP_AMP_DIV, OP_AMP_POW};
+constexpr char codeBytes[] = {OP_LT, OP_LT, OP_LE,      OP_LE,      OP_GT,     OP_GT,  OP_GE,
+                              OP_GE, OP_EQ, OP_EQ,      OP_NE,      OP_NE,     OP_AND, OP_AND,
+                              OP_OR, OP_OR, OP_AMP_MUL, OP_AMP_DIV, OP_AMP_POW};
 
 std::string_view codeOnce(OperatorCode code) {
   return {code <= OP_OR ? codeBytes + 2 * (code - 1) : codeBytes + 16 + (code - OP_AMP_MUL), 1};
@@ -34,6 +36,16 @@ bool isLineSuffix(const char* at) {
   for (int i = 3; i < 8; ++i)
     if (!isCharacter(at[i], charDigit)) return false;
   return at[8] == '\r';
+}
+
+// The same for the eight bytes behind the first slash, all at once: a slash, a blank, five bytes
+// from '0' to '?' (more than digits, but no line end) and a carriage return. Where white space and
+// comments are passed over, that is all there is to know.
+bool isSuffixTail(const char* at) {
+  static_assert(std::endian::native == std::endian::little);
+  std::uint64_t bytes;
+  std::memcpy(&bytes, at, sizeof bytes);
+  return (bytes & 0xFFF0F0F0F0F0FFFF) == 0x0D3030303030202F;
 }
 
 // Past a comment that begins at `at`, or null when it is not terminated. A `*` at the end of a line
@@ -53,7 +65,8 @@ const char* pastComment(const char* at) {
   }
 }
 
-// A division at the end of a line is told from the comment that its slash and the suffix would make.
+// A division at the end of a line is told from the comment that its slash and the suffix would
+// make.
 bool startsComment(const char* at) {
   return *at == '/' && (at[1] == '*' || (at[1] == '/' && !isLineSuffix(at + 1)));
 }
@@ -71,20 +84,19 @@ void setOperator(Scanner& scanner, OperatorCode code) {
   scanner.progCursor += 2;
 }
 
+// What the entry of a name means where nothing nearer hides it, by category.
+constexpr NameKind entryKinds[] = {NameKind::unknown,  NameKind::unknown,      NameKind::unknown,
+                                   NameKind::variable, NameKind::userFunction, NameKind::builtin};
+
 // Sets the look-up results of a word and the token type that follows from them.
-void classify(Scanner& scanner, Symbol* symbol) {
-  const CallStack& calls = interpreter().calls;
+inline void classify(const CallStack& calls, Scanner& scanner, Symbol* symbol) {
   scanner.tokenType = TOKEN_NAME;
   scanner.symbol = symbol;
   if (!symbol) {
     scanner.nameKind = NameKind::unknown;
     return;
   }
-  if (symbol->category == Category::reserved) {
-    scanner.tokenType = TOKEN_KEYWORD;
-    scanner.tokenCode = symbol->number;
-    return;
-  }
+  // No local or dummy carries a reserved word.
   if (symbol->localTop >= calls.localsBase()) {
     scanner.nameKind = NameKind::local;
     scanner.nameIndex = symbol->localTop;
@@ -95,45 +107,52 @@ void classify(Scanner& scanner, Symbol* symbol) {
     scanner.nameIndex = symbol->dummyTop;
     return;
   }
-  switch (symbol->category) {
-    case Category::variable:
-      scanner.nameKind = NameKind::variable;
-      break;
-    case Category::userFunction:
-      scanner.nameKind = NameKind::userFunction;
-      break;
-    case Category::builtin:
-      scanner.nameKind = NameKind::builtin;
-      break;
-    default:
-      scanner.nameKind = NameKind::unknown;
+  scanner.nameKind = entryKinds[static_cast<int>(symbol->category)];
+  if (symbol->category == Category::reserved) {
+    scanner.tokenType = TOKEN_KEYWORD;
+    scanner.tokenCode = symbol->number;
   }
 }
 
-TokenType scanName(Scanner& scanner, const char* start) {
+[[gnu::noinline]] void refuseLongName(Scanner& scanner) {
+  scanner.tokenType = TOKEN_NAME;
+  scanner.nameKind = NameKind::unknown;
+  scanner.symbol = nullptr;
+  scanner.tokenText = scanner.tokenText.substr(0, literalLimit);
+  raiseError(ErrorKey::tooLong, scanner.tokenText);
+}
+
+// Names of eight letters and more, whose tail is compared as well.
+[[gnu::noinline]] TokenType scanLongName(const InterpreterState& state, Scanner& scanner,
+                                         const char* start, std::size_t length) {
+  scanner.tokenText = {start, length};
+  if (length > maxNameLength) {
+    refuseLongName(scanner);
+    return TOKEN_NAME;
+  }
+  classify(state.calls, scanner, state.names.find(start, length, nameKeyOfPadded(start, length)));
+  return scanner.tokenType;
+}
+
+inline TokenType scanName(const InterpreterState& state, Scanner& scanner, const char* start) {
   const char* end = start + 1;
   while (isCharacter(*end, charNamePart)) ++end;
   const auto length = static_cast<std::size_t>(end - start);
   scanner.progCursor = end;
   scanner.nameStart = start;
-  scanner.tokenText = scanner.lastNameText = {start, length};
-  if (length > maxNameLength) [[unlikely]] {
-    scanner.tokenType = TOKEN_NAME;
-    scanner.nameKind = NameKind::unknown;
-    scanner.symbol = nullptr;
-    scanner.tokenText = scanner.tokenText.substr(0, literalLimit);
-    raiseError(ErrorKey::tooLong, scanner.tokenText);
-    return TOKEN_NAME;
-  }
-  classify(scanner, interpreter().names.find(start, length, nameKeyOfPadded(start, length)));
+  scanner.nameLength = length;
+  if (length >= prefixLength) return scanLongName(state, scanner, start, length);
+  scanner.tokenText = {start, length};
+  classify(state.calls, scanner, state.names.findShort(nameKeyOfPadded(start, length)));
   return scanner.tokenType;
 }
 
 // The one-character built-in names `!`, `%` and `@`. Nothing can hide them.
-TokenType scanMarkName(Scanner& scanner, const char* at) {
+[[gnu::noinline]] TokenType scanMarkName(Scanner& scanner, const char* at) {
   scanner.tokenType = TOKEN_NAME;
   scanner.nameStart = at;
-  scanner.tokenText = scanner.lastNameText = {at, 1};
+  scanner.nameLength = 1;
+  scanner.tokenText = {at, 1};
   scanner.tokenChar = static_cast<unsigned char>(*at);
   scanner.symbol = interpreter().names.find(scanner.tokenText);
   scanner.nameKind = NameKind::builtin;
@@ -141,7 +160,11 @@ TokenType scanMarkName(Scanner& scanner, const char* at) {
   return TOKEN_NAME;
 }
 
-TokenType scanNumber(Scanner& scanner, const char* start) {
+constexpr double powersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                  1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+
+// Numbers with an exponent, with more digits than a double holds exactly, and malformed ones.
+[[gnu::noinline]] TokenType scanLongNumber(Scanner& scanner, const char* start) {
   const char* at = start;
   bool pointSeen = false;
   bool exponentSeen = false;
@@ -160,6 +183,7 @@ TokenType scanNumber(Scanner& scanner, const char* start) {
   }
   scanner.tokenType = TOKEN_NUMBER;
   scanner.tokenText = {start, static_cast<std::size_t>(at - start)};
+  scanner.numberValue = parseNumber(scanner.tokenText);
   scanner.progCursor = at;
   if (*at == '.' || *at == 'e' || *at == 'E') [[unlikely]] {
     scanner.progCursor = at + 1;
@@ -171,7 +195,39 @@ TokenType scanNumber(Scanner& scanner, const char* start) {
   return TOKEN_NUMBER;
 }
 
-TokenType scanLiteral(Scanner& scanner, const char* start) {
+// Up to fifteen digits with at most one point among them: the digits as a whole number and the
+// power of ten are exact, so one division rounds correctly.
+TokenType scanNumber(Scanner& scanner, const char* start) {
+  constexpr int exactDigits = 15;
+  const char* at = start;
+  if (isCharacter(*at, charDigit) && !isCharacter(at[1], charWordPart)) {
+    scanner.tokenType = TOKEN_NUMBER;
+    scanner.tokenText = {start, 1};
+    scanner.numberValue = *at - '0';
+    scanner.progCursor = at + 1;
+    return TOKEN_NUMBER;
+  }
+  std::uint64_t digits = 0;
+  for (; isCharacter(*at, charDigit); ++at)
+    digits = 10 * digits + static_cast<std::uint64_t>(*at - '0');
+  double value = static_cast<double>(digits);
+  if (*at == '.') {
+    const char* fraction = ++at;
+    for (; isCharacter(*at, charDigit); ++at)
+      digits = 10 * digits + static_cast<std::uint64_t>(*at - '0');
+    if (at - fraction > exactDigits) return scanLongNumber(scanner, start);
+    value = static_cast<double>(digits) / powersOfTen[at - fraction];
+  }
+  if (at - start > exactDigits || *at == '.' || *at == 'e' || *at == 'E')
+    return scanLongNumber(scanner, start);
+  scanner.tokenType = TOKEN_NUMBER;
+  scanner.tokenText = {start, static_cast<std::size_t>(at - start)};
+  scanner.numberValue = value;
+  scanner.progCursor = at;
+  return TOKEN_NUMBER;
+}
+
+[[gnu::noinline]] TokenType scanLiteral(Scanner& scanner, const char* start) {
   const char quote = *start;
   const char* at = start + 1;
   std::size_t length = 0;
@@ -197,7 +253,7 @@ TokenType scanLiteral(Scanner& scanner, const char* start) {
 }
 
 // `&` begins an operator of two characters; both are consumed in every case.
-TokenType scanAmpersand(Scanner& scanner, const char* at) {
+[[gnu::noinline]] TokenType scanAmpersand(Scanner& scanner, const char* at) {
   switch (isLineSuffix(at + 1) ? '\r' : at[1]) {
     case '&':
       setOperator(scanner, OP_AND);
@@ -221,12 +277,8 @@ TokenType scanAmpersand(Scanner& scanner, const char* at) {
   }
 }
 
-TokenType scanPunctuation(Scanner& scanner, const char* at) {
+[[gnu::noinline]] TokenType scanPunctuation(Scanner& scanner, const char* at) {
   switch (*at) {
-    case '{':
-    case '}':
-      setDelimiter(scanner, at, 1, static_cast<unsigned char>(*at));
-      return scanner.tokenType = TOKEN_BLOCK;
     case '"':
     case '\'':
       return scanLiteral(scanner, at);
@@ -270,8 +322,22 @@ TokenType scanPunctuation(Scanner& scanner, const char* at) {
   return TOKEN_DELIMITER;
 }
 
-// A byte that begins no token is consumed, so that a loop over tokens always moves on.
-TokenType scanStray(Scanner& scanner, const char* at, bool afterBlanks) {
+void clearToken(Scanner& scanner) {
+  scanner.tokenType = TOKEN_NONE;
+  scanner.tokenText = {};
+}
+
+// The end of the text, or a byte that begins no token. Such a byte is consumed, so that a loop over
+// tokens always moves on.
+[[gnu::noinline]] TokenType scanEndOrStray(Scanner& scanner, const char* at) {
+  clearToken(scanner);
+  const bool afterBlanks = at != scanner.progCursor;
+  scanner.tokenStart = at;
+  if (*at == '\0') {
+    scanner.progCursor = at;
+    scanner.tokenCode = FINISHED;
+    return scanner.tokenType = TOKEN_DELIMITER;
+  }
   scanner.progCursor = at + 1;
   if (afterBlanks) return TOKEN_NONE;
   raiseError(ErrorKey::syntax);
@@ -279,60 +345,95 @@ TokenType scanStray(Scanner& scanner, const char* at, bool afterBlanks) {
   return scanner.tokenType;
 }
 
-}  // namespace
+TokenType scanFromComment(const InterpreterState& state, Scanner& scanner, const char* at);
 
-TokenType getToken() {
-  InterpreterState& state = interpreter();
-  Scanner& scanner = state.scanner;
-  if (--scanner.interruptCountdown <= 0) [[unlikely]] {
-    scanner.interruptCountdown = pollInterval;
-    pollInterrupt();
-  }
-  scanner.tokenChar = noTokenChar;
-  scanner.tokenType = TOKEN_NONE;
-  scanner.tokenCode = classNone;
-  scanner.tokenText = {};
-
-  const char* at = scanner.progCursor;
+// One token from `at` on, behind white space and comments. Everything that is not usual is a call
+// in tail position, which keeps the usual way short.
+[[gnu::always_inline]] inline TokenType scanFrom(const InterpreterState& state, Scanner& scanner,
+                                                 const char* at) {
   for (;;) {
     const std::uint8_t kind = characterClasses[static_cast<unsigned char>(*at)];
     if (kind & charLetter) {
       scanner.tokenStart = at;
-      return scanName(scanner, at);
+      return scanName(state, scanner, at);
     }
     if (kind & charBlank) {
-      ++at;
+      do ++at;
+      while (*at == ' ');
       continue;
+    }
+    if (kind & charLone) {
+      scanner.tokenStart = at;
+      setDelimiter(scanner, at, 1, static_cast<unsigned char>(*at));
+      // Of these bytes only the braces, 0x7B and 0x7D, become 0x7F so.
+      if ((*at | 6) == '\x7f') scanner.tokenType = TOKEN_BLOCK;
+      return scanner.tokenType;
     }
     if (kind & charDigit) {
       scanner.tokenStart = at;
       return scanNumber(scanner, at);
     }
     if (kind & charPunctuation) {
-      if (startsComment(at)) [[unlikely]] {
-        if (const char* past = pastComment(at)) {
-          at = past;
+      if (*at == '/') {
+        if (isSuffixTail(at + 1)) {
+          at += lineSuffixLength;
           continue;
         }
-        // The cursor goes back, so that the message names the line where the comment began.
-        scanner.tokenStart = scanner.progCursor = at;
-        raiseError(ErrorKey::commentNotTerminated);
-        // Only outside an evaluation: the rest of the text is the comment's.
-        while (*at != '\0') ++at;
-        continue;
+        if (at[1] == '*' || at[1] == '/') return scanFromComment(state, scanner, at);
       }
       scanner.tokenStart = at;
-      return scanPunctuation(scanner, scanner.progCursor = at);
-    }
-    const bool afterBlanks = at != scanner.progCursor;
-    scanner.tokenStart = at;
-    if (*at == '\0') {
       scanner.progCursor = at;
-      scanner.tokenCode = FINISHED;
-      return scanner.tokenType = TOKEN_DELIMITER;
+      return scanPunctuation(scanner, at);
     }
-    return scanStray(scanner, at, afterBlanks);
+    return scanEndOrStray(scanner, at);
   }
+}
+
+// The same where a comment may begin.
+[[gnu::noinline]] TokenType scanFromComment(const InterpreterState& state, Scanner& scanner,
+                                            const char* at) {
+  if (!startsComment(at)) {
+    scanner.tokenStart = scanner.progCursor = at;
+    return scanPunctuation(scanner, at);
+  }
+  const char* past = pastComment(at);
+  if (!past) {
+    // The cursor goes back, so that the message names the line where the comment began.
+    scanner.tokenStart = scanner.progCursor = at;
+    clearToken(scanner);
+    raiseError(ErrorKey::commentNotTerminated);
+    // Only outside an evaluation: the rest of the text is the comment's.
+    past = at + std::strlen(at);
+  }
+  return scanFrom(state, scanner, past);
+}
+
+[[gnu::noinline]] TokenType getTokenAfterPoll(Scanner& scanner) {
+  scanner.interruptCountdown = pollInterval;
+  pollInterrupt();
+  return getToken();
+}
+
+}  // namespace
+
+TokenType getToken() {
+  InterpreterState& state = interpreter();
+  Scanner& scanner = state.scanner;
+  if (--scanner.interruptCountdown <= 0) [[unlikely]]
+    return getTokenAfterPoll(scanner);
+  scanner.tokenChar = noTokenChar;
+  scanner.tokenCode = classNone;
+  return scanFrom(state, scanner, scanner.progCursor);
+}
+
+bool acceptLone(char c) {
+  Scanner& scanner = interpreter().scanner;
+  const char* at = peekBlanks(scanner.progCursor);
+  if (*at != c) return false;
+  scanner.tokenStart = at;
+  scanner.tokenCode = classNone;
+  setDelimiter(scanner, at, 1, static_cast<unsigned char>(c));
+  return true;
 }
 
 void putBack() {
@@ -351,7 +452,7 @@ NameKind lookUpName(std::string_view word) {
   const TokenType type = scanner.tokenType;
   const int code = scanner.tokenCode;
   scanner.nameKind = NameKind::unknown;
-  classify(scanner, state.names.find(word));
+  classify(state.calls, scanner, state.names.find(word));
   scanner.tokenType = type;
   scanner.tokenCode = code;
   return scanner.nameKind;
@@ -377,7 +478,10 @@ char nextStructuralChar() {
       do ++at;
       while (isCharacter(*at, charWordPart));
     } else if (kind & charBlank) {
-      ++at;
+      do ++at;
+      while (*at == ' ');
+    } else if (*at == '/' && isSuffixTail(at + 1)) {
+      at += lineSuffixLength;
     } else if (*at == '\0') {
       scanner.progCursor = at;
       scanner.tokenCode = FINISHED;

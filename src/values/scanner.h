@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "interp/name_pool.h"
+#include "values/character_class.h"
 
 namespace vexa {
 
@@ -83,7 +84,7 @@ struct Scanner {
   // The current token: a view into the program text, or of `literal` for a quoted token, or of the
   // operator codes.
   std::string_view tokenText;
-  std::string_view lastNameText;
+  std::size_t nameLength = 0;
   TokenType tokenType = TOKEN_NONE;
   int tokenCode = classNone;
   unsigned char tokenChar = noTokenChar;
@@ -91,9 +92,11 @@ struct Scanner {
   NameKind nameKind = NameKind::unknown;
   int nameIndex = -1;
   Symbol* symbol = nullptr;
+  double numberValue = 0;  // of TOKEN_NUMBER
   int interruptCountdown = 512;
   std::array<char, literalLimit + 1> literal{};
 
+  std::string_view lastNameText() const { return {nameStart, nameLength}; }
   bool atEnd() const {
     return tokenCode == FINISHED && tokenType == TOKEN_DELIMITER && tokenText.empty();
   }
@@ -131,9 +134,17 @@ void skipToChar(char wanted, char stop);
 // Where white space and comments from `at` on end; raises nothing (an unterminated comment ends at
 // the end of the text).
 const char* skipBlanks(const char* at);
+// The same with the usual single blank passed over at once.
+inline const char* peekBlanks(const char* at) {
+  if (*at == ' ') ++at;
+  return isCharacter(*at, charBlank) || *at == '/' ? skipBlanks(at) : at;
+}
+// Takes a bracket or another character that is a token by itself, when it is next. False, with
+// nothing read, when something else is.
+bool acceptLone(char c);
 
-// Past the bracket that matches the one at `at`, raising nothing; null when there is none (a `;` ends
-// the search for a square bracket).
+// Past the bracket that matches the one at `at`, raising nothing; null when there is none (a `;`
+// ends the search for a square bracket).
 const char* pastGroup(const char* at);
 
 // The Esc test, also for built-ins that run long (once an outer step): asks the shell and, when

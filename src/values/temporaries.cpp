@@ -47,10 +47,12 @@ Matrix* newTempMatrix(int rows, int cols) { return pushMatrix(newMatrix(rows, co
 WorkVector* newTempVector(std::size_t n) { return pushVector(newVector(n)); }
 
 void freeTempMatrix(const Matrix* matrix) {
+  if (!matrix) return;
   if (auto* slot = interpreter().tempMatrices.find(matrix)) slot->reset();
 }
 
 void freeTempVector(const WorkVector* vector) {
+  if (!vector) return;
   if (auto* slot = interpreter().tempVectors.find(vector)) slot->reset();
 }
 
