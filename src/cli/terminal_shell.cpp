@@ -267,13 +267,14 @@ FormReply TerminalShell::form(const FormRequest& request) {
     writeAll(STDERR_FILENO, request.title + '\n');
   }
   for (std::size_t i = 0; i < count; ++i) {
-    if (again && i != static_cast<std::size_t>(request.badField)) continue;
     const FormField& field = request.fields[i];
     const std::string prompt =
         "  " + (field.label.empty() ? field.name : field.label) + " [" + field.initial + "]: ";
     std::optional<std::string> typed = answerOrAsk(prompt);
     if (!typed && m_canAsk) return {};
-    m_formTexts[i] = typed.value_or("");
+    // A form that comes again shows what was entered; an empty answer keeps it, unless it was bad.
+    const bool keep = again && i != static_cast<std::size_t>(request.badField);
+    if (!keep || !typed.value_or("").empty()) m_formTexts[i] = typed.value_or("");
   }
   return {true, m_formTexts};
 }

@@ -1,6 +1,7 @@
 #include "interp/declarations.h"
 
 #include <string>
+#include <utility>
 
 #include "values/argument_readers.h"
 #include "values/evaluator.h"
@@ -85,6 +86,13 @@ bool moreItems(const Scanner& scanner) {
   return false;
 }
 
+void adoptMatrix(LocalRecord& record, std::unique_ptr<Matrix> matrix) {
+  record.owned = std::move(matrix);
+  record.matrix = record.owned.get();
+  record.type = typeMatrix;
+  record.state = stateOwnsMatrix;
+}
+
 void declareLocal(State& state, int typeWord) {
   const Scanner& scanner = state.scanner;
   CallStack& calls = state.calls;
@@ -105,20 +113,17 @@ void declareLocal(State& state, int typeWord) {
     if (readInitialValue(state, true, x)) calls.local(index).value = wholeNumber(x, whole);
     return;
   }
-  std::unique_ptr<Matrix> matrix;
   if (typeWord == classMat) {
     const Order order = readOrder(scanner);
-    matrix = newMatrix(order.rows, order.cols);
+    adoptMatrix(calls.local(index), newMatrix(order.rows, order.cols));
   } else {
-    const std::string text = readInitialText(scanner, name);
-    matrix = std::make_unique<Matrix>();
-    storeText(*matrix, text);
+    // The string is in scope from its own initial text on, still empty.
+    auto text = std::make_unique<Matrix>();
+    storeText(*text, {});
+    adoptMatrix(calls.local(index), std::move(text));
+    const std::string initial = readInitialText(scanner, name);
+    storeText(*calls.local(index).matrix, initial);
   }
-  LocalRecord& record = calls.local(index);
-  record.owned = std::move(matrix);
-  record.matrix = record.owned.get();
-  record.type = typeMatrix;
-  record.state = stateOwnsMatrix;
 }
 
 // The float or matrix of a global's name, new or existing; null after a conflict.
@@ -144,12 +149,11 @@ void declareGlobal(State& state, int typeWord) {
     Symbol* symbol = makeFloat(name);
     if (!symbol) return;
     symbol->flags = isWholeWord(typeWord) ? flagWhole : static_cast<char>(0);
-    symbol->value = wholeNumber(symbol->value, isWholeWord(typeWord));
     double x = 0.0;
     if (readInitialValue(state, false, x)) symbol->value = wholeNumber(x, isWholeWord(typeWord));
     return;
   }
-  // Conflicts come before the order is read; the variable is made after it.
+  // Conflicts come before the order is read; a matrix is made after it.
   const Symbol* known = state.names.find(name);
   if (known && known->isGlobal() && known->type == typeFloat) {
     raiseError(ErrorKey::nameIsFloat, name);
@@ -160,9 +164,10 @@ void declareGlobal(State& state, int typeWord) {
     const Order order = readOrder(scanner);
     auto matrix = newMatrix(order.rows, order.cols);
     if (Symbol* symbol = makeGlobalMatrix(state, name)) symbol->matrix->swapContents(*matrix);
-  } else {
+  } else if (Symbol* symbol = makeGlobalMatrix(state, name)) {
+    if (!known) storeText(*symbol->matrix, {});
     const std::string text = readInitialText(scanner, name);
-    if (Symbol* symbol = makeGlobalMatrix(state, name)) storeText(*symbol->matrix, text);
+    storeText(*symbol->matrix, text);
   }
 }
 

@@ -92,8 +92,8 @@ void markedArgument(State& state, ArgumentList& arguments) {
 // The row of the call list: f([2x3], 3.1416).
 class CallLine {
  public:
-  CallLine(const State& state, const Symbol& function)
-      : m_active(state.displayValues),
+  CallLine(const State& state, const Symbol& function, bool isMain)
+      : m_active(state.displayValues && !isMain),
         m_line(m_active ? lineOfPosition(state.scanner.progCursor) : -1) {
     if (m_active) m_text = std::string(function.name()) + '(';
   }
@@ -245,7 +245,8 @@ void writeTraceLine(const State& state, std::string_view mark, std::string_view 
   writeOutput(line, lineWhole);
 }
 
-// Runs the function between its entry and return lines; `main` has no argument list to read.
+// Runs the function between its entry and return lines. `main` has no argument list to read and so
+// no row in the list of calls.
 void callTrace(State& state, Symbol& function, bool isMain) {
   Symbol* caller = state.currentFunction;
   Symbol* callersCaller = state.callerFunction;
@@ -259,11 +260,8 @@ void callTrace(State& state, Symbol& function, bool isMain) {
   const char* callSite = state.scanner.progCursor;
   {
     ArgumentList arguments;
-    CallLine line(state, function);
-    if (!isMain)
-      evaluateArguments(state, arguments, line);
-    else
-      line.finish();
+    CallLine line(state, function, isMain);
+    if (!isMain) evaluateArguments(state, arguments, line);
     runBody(state, function, arguments, callSite, line.take());
   }
   state.currentFunction = caller;

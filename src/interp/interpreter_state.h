@@ -108,11 +108,11 @@ struct InterpreterState {
   Matrix* builtinResultMatrix = nullptr;
   Symbol* builtinResultOwner = nullptr;
   bool noEcho = false;
+  std::uint8_t pivotSerial = 0;  // of the newest pivot companion, see docs/builtins/linear.md
   char builtinMode = 0;  // the mode mark at the call of the current built-in
   AngleMode angles;
   bool debug = false;
   int matrixPrintLimit = 0;
-  bool alternatePrint = false;
   std::int32_t displaySetting = 0;
   double runStartTime = 0;
   TextSink* sink = nullptr;  // where printed text goes instead of the output document

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstring>
 #include <new>
 
 #include "interp/name_pool.h"
@@ -68,6 +69,15 @@ int lineOfPosition(const char* position) {
   int line = 0;
   std::from_chars(digits, position, line);
   return line;
+}
+
+int LineFinder::lineOf(const char* position) {
+  if (!m_begin || position < m_begin || position > m_end) {
+    m_begin = position;
+    m_end = position + std::strcspn(position, "\r");
+    m_line = lineOfPosition(position);
+  }
+  return m_line;
 }
 
 }  // namespace vexa

@@ -23,4 +23,16 @@ std::shared_ptr<const std::string> prepareTypedText(std::string_view text);
 // The line of a position in any prepared text, or -1 where there is none (typed text, null).
 int lineOfPosition(const char* position);
 
+// Finds the lines of positions that come in the order of the text; many on one line cost no more
+// than one.
+class LineFinder {
+ public:
+  int lineOf(const char* position);
+
+ private:
+  const char* m_begin = nullptr;  // positions from here to m_end are on line m_line
+  const char* m_end = nullptr;
+  int m_line = -1;
+};
+
 }  // namespace vexa

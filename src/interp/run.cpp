@@ -49,12 +49,12 @@ Symbol* findMain(const State& state) {
   return symbol && symbol->category == Category::userFunction ? symbol : nullptr;
 }
 
-Symbol* registerFunction(State& state, std::string_view name, char mark) {
+Symbol* registerFunction(State& state, std::string_view name, char mark, LineFinder& lines) {
   const Scanner& scanner = state.scanner;
   Symbol* symbol = state.names.find(name);
   if (!symbol || symbol->category != Category::userFunction)
     symbol = state.names.registerName(name, typeNone, 0, Category::userFunction);
-  symbol->number = lineOfPosition(scanner.progCursor);
+  symbol->number = lines.lineOf(scanner.progCursor);
   symbol->state = mark;
   symbol->position = scanner.progCursor;
   symbol->text = state.programText;
@@ -225,6 +225,7 @@ void preScan() {
   State& state = interpreter();
   Scanner& scanner = state.scanner;
   const char* start = scanner.progCursor;
+  LineFinder lines;
   checkBalance();
   for (;;) {
     getToken();
@@ -235,7 +236,7 @@ void preScan() {
     } else if (scanner.tokenType == TOKEN_NAME) {
       const std::string_view name = scanner.tokenText;
       checkNewName(name);
-      registerFunction(state, name, 0);
+      registerFunction(state, name, 0, lines);
       skipGroup('(');
       skipGroup('{');
     } else {
@@ -293,6 +294,8 @@ void skipRequiredGroup(Scanner& scanner, char open, ErrorKey missing) {
 void updateDeclarations(State& state) {
   Scanner& scanner = state.scanner;
   scanner.progCursor = state.programText->data();
+  LineFinder lines;
+  checkBalance();
   for (;;) {
     getToken();
     if (scanner.atEnd()) return;
@@ -300,7 +303,7 @@ void updateDeclarations(State& state) {
       skipDeclaration();
     } else if (scanner.tokenType == TOKEN_NAME && (scanner.nameKind == NameKind::userFunction ||
                                                    scanner.nameKind == NameKind::unknown)) {
-      registerFunction(state, scanner.tokenText, stateUpdated);
+      registerFunction(state, scanner.tokenText, stateUpdated, lines);
       skipRequiredGroup(scanner, '(', ErrorKey::parenthesisExpected);
       skipRequiredGroup(scanner, '{', ErrorKey::blockBraceExpected);
     } else {

@@ -21,7 +21,7 @@ void valueUsed(InterpreterState& state) { state.noEcho = false; }
 // Whether nothing but the end of the argument follows the name that is the current token.
 bool nameEndsArgument() {
   const char next = nextCharacter();
-  return next == '\0' || endsArgument(static_cast<unsigned char>(next));
+  return next == '\0' || (next != '{' && endsArgument(static_cast<unsigned char>(next)));
 }
 
 bool isMark(const Scanner& scanner) {

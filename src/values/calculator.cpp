@@ -24,7 +24,6 @@ class SwapRecord {
         m_initialising(state.initialising),
         m_blockInExpression(state.blockInExpression),
         m_returnPending(state.returnPending),
-        m_alternatePrint(state.alternatePrint),
         m_mode(state.mode),
         m_nesting(state.nesting),
         m_currentFunction(state.currentFunction),
@@ -57,7 +56,6 @@ class SwapRecord {
     m_state.initialising = m_initialising;
     m_state.blockInExpression = m_blockInExpression;
     m_state.returnPending = m_returnPending;
-    m_state.alternatePrint = m_alternatePrint;
     m_state.mode = m_mode;
     m_state.nesting = m_nesting;
     m_state.currentFunction = m_currentFunction;
@@ -80,7 +78,6 @@ class SwapRecord {
   Scanner m_scanner;
   bool m_evaluating, m_busy, m_initialising, m_blockInExpression;
   char m_returnPending;
-  bool m_alternatePrint;
   char m_mode;
   int m_nesting;
   Symbol* m_currentFunction;
@@ -124,6 +121,8 @@ bool showLoneName(const State& state, const Evaluation& result) {
 // One expression from the current token on, and its `;`.
 void evaluateOne(State& state, Evaluation& result) {
   state.noEcho = false;
+  if (state.scanner.tokenType == TOKEN_KEYWORD && state.scanner.tokenCode == classReturn)
+    raiseError(ErrorKey::returnNotExecutable);
   if (showLoneName(state, result)) return;
   Value value;
   evalExpressionFromToken(value);
@@ -181,8 +180,9 @@ void evaluateTypedText(std::string_view text, Evaluation& result, bool faultsEnd
       raiseError(ErrorKey::allocationFailed);
     }
   } catch (const RunAbandoned&) {
-    // A user who stops the evaluation stops the run around it, too.
-    if (faultsEndRun || (state.running && state.runInterrupted)) throw;
+    // What stops the evaluation without being a fault stops the run around it, too.
+    const bool stopped = state.runInterrupted || state.endReached;
+    if (faultsEndRun || (state.running && stopped)) throw;
     result.fault = true;
     result.interrupted = state.runInterrupted;
     result.message = state.lastErrorMessage;

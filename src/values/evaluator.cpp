@@ -154,6 +154,7 @@ bool assignedText(State& state, std::string_view name) {
 
 // name = value, the name being the current token and `value` the place behind the `=`.
 double plainAssignment(State& state, const char* value) {
+  const NestingGuard guard;
   Symbol* symbol = state.scanner.symbol;
   const std::string_view name = state.scanner.tokenText;
   state.scanner.progCursor = value;
@@ -170,6 +171,7 @@ double plainAssignment(State& state, const char* value) {
 // name[i,j] = value. The indexes are evaluated before the right side, the target is looked up
 // after it.
 double elementAssignment(State& state) {
+  const NestingGuard guard;
   Symbol* symbol = state.scanner.symbol;
   getToken();
   const Indexes at = parseIndexesFromBracket();
@@ -188,8 +190,7 @@ double conditionAssignment(State& state) {
     if (*after == '=') {
       if (after[1] != '=') return plainAssignment(state, after + 1);
     } else if (*after == '[') {
-      const char* past = pastGroup(after);
-      if (past && isAssignmentSign(past)) return elementAssignment(state);
+      if (isAssignmentSign(passGroup(after))) return elementAssignment(state);
     }
   }
   return conditionLogic(state);
@@ -391,6 +392,13 @@ Matrix* matrixOf(const Symbol& symbol) {
 }
 
 char nextCharacter() { return *skipBlanks(interpreter().scanner.progCursor); }
+
+const char* passGroup(const char* at) {
+  if (const char* past = pastGroup(at)) return past;
+  interpreter().scanner.progCursor = at;
+  skipGroup(*at);
+  return interpreter().scanner.progCursor;
+}
 
 bool isAssignmentSign(const char* at) {
   at = skipBlanks(at);

@@ -1,6 +1,6 @@
 #pragma once
 
-// What the condition evaluator and the value evaluator share. Private to the two.
+// What the two evaluators share with each other and with the readers of arguments.
 
 #include <string_view>
 #include <vector>
@@ -20,6 +20,8 @@ double conditionPrimary(InterpreterState& state);
 Matrix* matrixOf(const Symbol& symbol);
 // The first character of the next token, without reading it.
 char nextCharacter();
+// Past the matching bracket of the one at `at`; raises the error of the missing one.
+const char* passGroup(const char* at);
 // What follows a name, white space and comments passed over: whether it is a single `=`.
 bool isAssignmentSign(const char* at);
 

@@ -237,6 +237,7 @@ void builtinOperand(State& state, Value& value) {
   if (mark == '!' || mark == '@') {
     // A further mark of the same kind changes nothing.
     if (mark != static_cast<unsigned char>(state.mode)) raiseError(ErrorKey::invalidData);
+    const NestingGuard guard;
     getToken();
     valuePrimary(state, value);
     return;
@@ -404,6 +405,7 @@ void refuseOutermostNumber(const State& state, const Value& value, Place place) 
 
 // The right side after a target; the `=` is the next token.
 void readSource(State& state, Value& value, Place place) {
+  const NestingGuard guard;
   getToken();
   getToken();
   valueAssignment(state, value, place);
@@ -491,8 +493,7 @@ void valueAssignment(State& state, Value& value, Place place) {
       return;
     }
     if (variable && (*after == '[' || *after == '(' || *after == '{')) {
-      const char* past = pastGroup(after);
-      if (past && isAssignmentSign(past)) {
+      if (isAssignmentSign(passGroup(after))) {
         partAssignment(state, value, place);
         return;
       }
