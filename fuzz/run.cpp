@@ -14,7 +14,7 @@ namespace {
 
 using namespace vexa;
 
-constexpr std::uint64_t pollLimit = 300;  // one for every 512 tokens
+constexpr std::uint64_t pollLimit = 60;  // one for every 512 tokens
 constexpr std::uint64_t matrixBytes = 64u << 20;
 
 void readEverything() {
@@ -56,6 +56,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     commands.textChanged(program);
     Evaluation evaluation;
     if (!commands.evaluate(program.text(), evaluation)) std::abort();
+    shell.stopAfterPolls(pollLimit);
     evaluation = {};
     if (!commands.evaluate("1+1", evaluation) || evaluation.fault || evaluation.value != 2)
       std::abort();
