@@ -296,7 +296,10 @@ void updateDeclarations(State& state) {
   scanner.progCursor = state.programText->data();
   LineFinder lines;
   checkBalance();
-  for (;;) {
+  // A text that is no program at all would give a message for every word: as many as the error
+  // list holds are enough.
+  const unsigned lastFault = state.faultCount + errorListLimit;
+  while (state.faultCount != lastFault) {
     getToken();
     if (scanner.atEnd()) return;
     if (scanner.tokenType == TOKEN_KEYWORD && isTypeWord(scanner.tokenCode)) {

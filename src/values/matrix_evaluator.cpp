@@ -493,7 +493,8 @@ void valueAssignment(State& state, Value& value, Place place) {
       return;
     }
     if (variable && (*after == '[' || *after == '(' || *after == '{')) {
-      if (isAssignmentSign(passGroup(after))) {
+      const char* past = *after == '[' ? passGroup(after) : pastGroup(after);
+      if (past && isAssignmentSign(past)) {
         partAssignment(state, value, place);
         return;
       }
