@@ -9,6 +9,9 @@
 #include "interp/errors.h"
 #include "interp/interpreter_state.h"
 #include "interp/message_box.h"
+#include "numlib/random/random_builtins.h"
+#include "numlib/statistics/statistics_builtins.h"
+#include "numlib/transforms/transform_builtins.h"
 #include "values/catalogs.h"
 #include "values/evaluator.h"
 #include "values/form_builtin.h"
@@ -89,6 +92,12 @@ constexpr Group groups[] = {
     {elapsedTimeBuiltin, "t#"},
     {sleepBuiltin, "sleep"},
     {gotourlBuiltin, "gotourl"},
+    // Statistics, random numbers, transforms.
+    {statisticsBuiltin, "count max mean min stdv summat"},
+    {randBuiltin, "rand randnorm"},
+    {randfillBuiltin, "randfill randnormfill"},
+    {sortBuiltin, "sort"},
+    {fftBuiltin, "fft"},
 };
 
 // Groups whose handler is still to come.
@@ -110,7 +119,6 @@ constexpr std::string_view laterGroups[] = {
     "cholesky",
     "gauss",
     "frame",
-    "count max mean min stdv summat",
     "cabs ccos cexp cln csin csqrt ctan ptor rtop",
     "hermint hermit lint polint ratint",
     "roots",
@@ -130,17 +138,13 @@ constexpr std::string_view laterGroups[] = {
     "integ maxz1 minz1 root1 plot plotanimate",
     "imteg",
     "odesint",
-    "sort",
     "poly",
     "series",
-    "fft",
     "bandf",
     "bessi bessj bessk bessy",
     "spline splint",
     "deriv",
     "simplx",
-    "rand randnorm",
-    "randfill randnormfill",
     "polycoe",
     "betainc",
     "correlation ftest studente studentp studentu",

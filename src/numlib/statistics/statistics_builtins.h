@@ -1,0 +1,9 @@
+#pragma once
+
+namespace vexa {
+
+// count, max, mean, min, stdv, summat: all moments of a matrix, a row or a column, left in the
+// preset globals; the call's number is the one that its name asks for.
+double statisticsBuiltin();
+
+}  // namespace vexa

@@ -1,0 +1,189 @@
+#include "numlib/statistics/moments.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace vexa {
+namespace {
+
+constexpr double epsilon = std::numeric_limits<double>::epsilon();
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+constexpr double undefined = 1e30;
+
+using Values = std::vector<double>;
+
+// base, then base - 0.1 and base + 0.1 in turn, 1001 in all: sets NumAcc3 and NumAcc4 of NIST's
+// Statistical Reference Datasets.
+Values alternating(double base) {
+  Values values{base};
+  for (int i = 0; i < 500; ++i) {
+    values.push_back(base - 0.1);
+    values.push_back(base + 0.1);
+  }
+  return values;
+}
+
+// Certified: mean and deviation exact. The data themselves are rounded by half an epsilon of their
+// size, the mean as much.
+TEST(Moments, LargeMeanWithSmallSpreadKeepsTheDigitsOfTheData) {
+  struct Case {
+    const char* name;
+    Values values;
+    double mean, deviation;
+  };
+  const std::vector<Case> cases = {
+      {"NumAcc1", {10000001, 10000003, 10000002}, 10000002, 1},
+      {"NumAcc3", alternating(1000000.2), 1000000.2, 0.1},
+      {"NumAcc4", alternating(10000000.2), 10000000.2, 0.1},
+      {"1e15 and its neighbours", {1e15 - 1, 1e15, 1e15 + 1}, 1e15, 1},
+  };
+  for (const Case& c : cases) {
+    const Moments m = computeMoments(c.values, undefined);
+    EXPECT_NEAR(m.mean, c.mean, 2 * epsilon * c.mean) << c.name;
+    EXPECT_NEAR(m.standardDeviation, c.deviation, epsilon * c.mean) << c.name;
+  }
+}
+
+// {1, 2, 3, 4, 10}: mean 4, deviations -3 -2 -1 0 6, sums of their powers 50, 180, 1394.
+TEST(Moments, SmallSetAgreesWithSumsByHand) {
+  const Moments m = computeMoments(Values{1, 2, 3, 4, 10}, undefined);
+  EXPECT_EQ(m.count, 5);
+  EXPECT_EQ(m.sum, 20);
+  EXPECT_EQ(m.largest, 10);
+  EXPECT_EQ(m.smallest, 1);
+  EXPECT_EQ(m.mean, 4);
+  EXPECT_EQ(m.meanDeviation, 12.0 / 5);
+  EXPECT_EQ(m.variance, 12.5);
+  EXPECT_EQ(m.standardDeviation, std::sqrt(12.5));
+  EXPECT_NEAR(m.skewness, 180 / (5 * 12.5 * std::sqrt(12.5)), 2 * epsilon);
+  EXPECT_NEAR(m.kurtosis, 1394 / (5 * 12.5 * 12.5) - 3, 4 * epsilon);
+}
+
+// Whole numbers are summed without rounding, so every length must agree exactly: a value lost or
+// counted twice at the end of a group shows.
+TEST(Moments, EveryLengthCountsEachValueOnce) {
+  for (int n = 2; n <= 40; ++n) {
+    Values values;
+    double sum = 0, squares = 0;
+    for (int i = 0; i < n; ++i) values.push_back(i % 2 == 0 ? -2.0 * (i + 1) : 2.0 * i);
+    if (n % 2 != 0) values.back() = 0;
+    for (const double x : values) {
+      sum += x;
+      squares += x * x;
+    }
+    const Moments m = computeMoments(values, undefined);
+    ASSERT_EQ(m.sum, sum) << n;
+    EXPECT_NEAR(m.variance, (squares - sum * sum / n) / (n - 1), 8 * epsilon * squares) << n;
+    EXPECT_EQ(m.largest, *std::max_element(values.begin(), values.end())) << n;
+    EXPECT_EQ(m.smallest, *std::min_element(values.begin(), values.end())) << n;
+  }
+}
+
+TEST(Moments, WhatIsNotDefinedTakesTheMark) {
+  const Moments none = computeMoments({}, undefined);
+  EXPECT_EQ(none.count, 0);
+  EXPECT_EQ(none.sum, 0);
+  EXPECT_EQ(none.mean, undefined);
+  EXPECT_EQ(none.meanDeviation, undefined);
+  EXPECT_EQ(none.largest, -undefined);
+  EXPECT_EQ(none.smallest, undefined);
+  const Moments single = computeMoments(Values{7}, undefined);
+  EXPECT_EQ(single.mean, 7);
+  EXPECT_EQ(single.meanDeviation, 0);
+  EXPECT_EQ(single.variance, undefined);
+  EXPECT_EQ(single.kurtosis, undefined);
+  const Moments constant = computeMoments(Values(9, 2.5), undefined);
+  EXPECT_EQ(constant.variance, 0);
+  EXPECT_EQ(constant.standardDeviation, 0);
+  EXPECT_EQ(constant.skewness, undefined);
+  EXPECT_EQ(constant.kurtosis, undefined);
+}
+
+// Not-a-number is never larger or smaller, and neither is a value beyond the mark.
+TEST(Moments, ExtremesPassOverWhatDoesNotCompare) {
+  for (std::size_t place = 0; place < 11; ++place) {
+    Values values{5, -3, 8, 1, 0, 2, 7, -9, 4, 6, 3};
+    values[place] = notANumber;
+    const Moments m = computeMoments(values, undefined);
+    EXPECT_EQ(m.largest, place == 2 ? 7 : 8) << place;
+    EXPECT_EQ(m.smallest, place == 7 ? -3 : -9) << place;
+    EXPECT_TRUE(std::isnan(m.mean)) << place;
+  }
+  EXPECT_EQ(computeMoments(Values{2e30, 3e30}, undefined).smallest, undefined);
+  EXPECT_EQ(computeMoments(Values(300, 1e308), undefined).sum, HUGE_VAL) << "overflow";
+}
+
+// The deviations' sums against long double on data whose mean dwarfs their spread.
+TEST(Moments, RandomSetsAgreeWithHigherPrecision) {
+  constexpr unsigned seed = 20240229;
+  SCOPED_TRACE("seed " + std::to_string(seed));
+  std::mt19937 random(seed);
+  std::normal_distribution<double> normal;
+  for (const double shift : {0.0, 1e3, 1e6}) {
+    Values values(1000);
+    for (double& x : values) x = shift + normal(random);
+    long double sum = 0, squares = 0, cubes = 0, fourths = 0;
+    for (const double x : values) sum += x;
+    const long double mean = sum / values.size();
+    for (const double x : values) {
+      const long double d = x - mean;
+      squares += d * d;
+      cubes += d * d * d;
+      fourths += d * d * d * d;
+    }
+    const long double n = values.size();
+    const long double variance = squares / (n - 1);
+    const Moments m = computeMoments(values, undefined);
+    // The mean's own rounding enters the cubes and fourths; the variance is corrected for it.
+    const double tolerance = 32 * epsilon * (1 + shift);
+    EXPECT_NEAR(m.variance, static_cast<double>(variance), 32 * epsilon) << shift;
+    EXPECT_NEAR(m.skewness, static_cast<double>(cubes / (n * variance * std::sqrt(variance))),
+                tolerance);
+    EXPECT_NEAR(m.kurtosis, static_cast<double>(fourths / (n * variance * variance) - 3),
+                tolerance);
+  }
+}
+
+TEST(Selection, RelationsHoldAtTheThresholdAndItsTolerance) {
+  const Values elements{-2, 1, 1.5, 2, 2.0625, 2.125, 3, notANumber};
+  struct Case {
+    Relation relation;
+    bool absolute;
+    Values selected;
+  };
+  const std::vector<Case> cases = {
+      {Relation::less, false, {-2, 1, 1.5}},
+      {Relation::lessOrEqual, false, {-2, 1, 1.5, 2}},
+      {Relation::greater, false, {2.0625, 2.125, 3}},
+      {Relation::greaterOrEqual, false, {2, 2.0625, 2.125, 3}},
+      {Relation::equal, false, {2, 2.0625}},
+      {Relation::notEqual, false, {-2, 1, 1.5, 2.125, 3}},
+      {Relation::less, true, {1, 1.5}},
+      {Relation::equal, true, {2, 2, 2.0625}},
+  };
+  for (const Case& c : cases) {
+    const Selection selection{c.absolute, true, c.relation, 2, 0.0625};
+    EXPECT_EQ(selectValues(elements, selection), c.selected) << static_cast<int>(c.relation);
+  }
+}
+
+TEST(Selection, PlacesAreThoseOfAllElements) {
+  const Values elements{1, -9, 9, 4, 9, 2};
+  const Selection all, magnitudes{true, false, Relation::less, 0, 0},
+      small{false, true, Relation::less, 5, 0};
+  EXPECT_EQ(firstPlaceOf(9, elements, all), 3u);
+  EXPECT_EQ(firstPlaceOf(9, elements, magnitudes), 2u);
+  EXPECT_EQ(firstPlaceOf(4, elements, small), 4u);
+  EXPECT_EQ(firstPlaceOf(9, elements, small), 0u);
+  EXPECT_EQ(lastPlace(elements, all), 6u);
+  EXPECT_EQ(lastPlace(Values{1, 7, 8}, small), 1u);
+  EXPECT_EQ(lastPlace(Values{7, 8}, small), 0u);
+}
+
+}  // namespace
+}  // namespace vexa

@@ -1,0 +1,107 @@
+#include "numlib/transforms/sorting.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <numeric>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace vexa {
+namespace {
+
+using Values = std::vector<double>;
+
+using Random = std::mt19937;
+
+int below(Random& random, unsigned limit) { return static_cast<int>(random() % limit); }
+
+struct Pattern {
+  const char* name;
+  std::function<double(int i, int n, Random& random)> at;
+};
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+const std::vector<Pattern> patterns = {
+    {"random", [](int, int, Random& r) { return std::ldexp(below(r, 1u << 30), -20); }},
+    {"few values", [](int, int, Random& r) { return below(r, 5); }},
+    {"one value", [](int, int, Random&) { return 3; }},
+    {"ascending", [](int i, int, Random&) { return i; }},
+    {"descending", [](int i, int n, Random&) { return n - i; }},
+    {"up and down", [](int i, int n, Random&) { return std::min(i, n - i); }},
+    {"saw", [](int i, int, Random&) { return i % 17; }},
+    {"zeros of both signs", [](int, int, Random& r) { return below(r, 2) ? 0.0 : -0.0; }},
+    {"infinities", [](int, int, Random& r) { return below(r, 2) ? infinity : -below(r, 3); }},
+};
+
+Values makeValues(const Pattern& pattern, int n, Random& random) {
+  Values values;
+  for (int i = 0; i < n; ++i) values.push_back(pattern.at(i, n, random));
+  return values;
+}
+
+std::size_t negativeZeros(const Values& values) {
+  return static_cast<std::size_t>(
+      std::ranges::count_if(values, [](double x) { return x == 0 && std::signbit(x); }));
+}
+
+// Ascending and the same values as before, both by the order of the standard library's sort.
+TEST(Sorting, EveryPatternAndLengthComesOutAscending) {
+  constexpr unsigned seed = 4711;
+  SCOPED_TRACE("seed " + std::to_string(seed));
+  Random random(seed);
+  for (const Pattern& pattern : patterns) {
+    for (const int n : {0, 1, 2, 3, 15, 16, 17, 24, 25, 100, 255, 256, 257, 5000}) {
+      Values values = makeValues(pattern, n, random);
+      Values expected = values;
+      const std::size_t negatives = negativeZeros(values);
+      std::sort(expected.begin(), expected.end());
+      sortAscending(values);
+      ASSERT_EQ(values, expected) << pattern.name << ", " << n;
+      ASSERT_EQ(negativeZeros(values), negatives) << pattern.name << ", " << n;
+    }
+  }
+}
+
+// A companion that numbers the places tells where each key came from: it must be a permutation.
+TEST(Sorting, CompanionsStayWithTheirKeys) {
+  constexpr unsigned seed = 1234;
+  SCOPED_TRACE("seed " + std::to_string(seed));
+  Random random(seed);
+  const auto sorts = {static_cast<void (*)(std::span<double>, std::span<double>)>(sortAscending),
+                      heapSortAscending};
+  for (const auto sort : sorts) {
+    for (const Pattern& pattern : patterns) {
+      for (const int n : {0, 1, 2, 24, 25, 300, 3000}) {
+        const Values before = makeValues(pattern, n, random);
+        Values places(before.size());
+        std::iota(places.begin(), places.end(), 0.0);
+        Values keys = before;
+        sort(keys, places);
+        ASSERT_TRUE(std::is_sorted(keys.begin(), keys.end())) << pattern.name << ", " << n;
+        for (std::size_t i = 0; i < keys.size(); ++i)
+          ASSERT_EQ(keys[i], before[static_cast<std::size_t>(places[i])]) << pattern.name;
+        std::sort(places.begin(), places.end());
+        for (int i = 0; i < n; ++i) ASSERT_EQ(places[static_cast<std::size_t>(i)], i);
+      }
+    }
+  }
+}
+
+TEST(Sorting, NotANumberGoesToTheEndWithItsCompanion) {
+  const double nan = std::nan("");
+  Values keys{nan, 3, -nan, 1, nan, 2}, companions{0, 1, 2, 3, 4, 5};
+  sortAscending(keys, companions);
+  EXPECT_EQ(Values(keys.begin(), keys.begin() + 3), (Values{1, 2, 3}));
+  EXPECT_EQ(Values(companions.begin(), companions.begin() + 3), (Values{3, 5, 1}));
+  EXPECT_TRUE(std::all_of(keys.begin() + 3, keys.end(), [](double x) { return std::isnan(x); }));
+  EXPECT_EQ(companions[3] + companions[4] + companions[5], 0 + 2 + 4);
+}
+
+}  // namespace
+}  // namespace vexa
