@@ -3,6 +3,7 @@
 #include <new>
 #include <utility>
 
+#include "interp/data_files.h"
 #include "interp/declarations.h"
 #include "interp/functions.h"
 #include "interp/message_box.h"
@@ -127,6 +128,7 @@ bool executeProgram(TextDocument& program) {
   state.running = true;
   state.busy = true;
   state.evaluating = false;
+  closeAllDataFiles();
   state.endReached = false;
   state.runInterrupted = false;
   state.runStartTime = state.shell->clock();
@@ -143,6 +145,7 @@ bool executeProgram(TextDocument& program) {
   resetEvaluation(state);
   for (const Bar bar : {Bar::locals, Bar::values, Bar::calls, Bar::globals}) state.changed(bar);
   state.shell->refresh(allDisplays);
+  closeAllDataFiles();
   state.shell->runEnds(state.outcome == RunOutcome::fault);
   return true;
 }

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "interp/errors.h"
+#include "interp/file_builtins.h"
 #include "interp/interpreter_state.h"
 #include "interp/message_box.h"
 #include "numlib/random/random_builtins.h"
@@ -92,6 +93,15 @@ constexpr Group groups[] = {
     {elapsedTimeBuiltin, "t#"},
     {sleepBuiltin, "sleep"},
     {gotourlBuiltin, "gotourl"},
+    // Data files.
+    {globalvarsBuiltin, "readglobalvars saveglobalvars"},
+    {closefileBuiltin, "closefile"},
+    {closeallfilesBuiltin, "closeallfiles"},
+    {openfiletowriteBuiltin, "openfiletowrite"},
+    {openfiletoreadBuiltin, "openfiletoread"},
+    {rewindfileBuiltin, "rewindfile"},
+    {writefileBuiltin, "writefile"},
+    {readfileBuiltin, "readfile"},
     // Statistics, random numbers, transforms.
     {statisticsBuiltin, "count max mean min stdv summat"},
     {randBuiltin, "rand randnorm"},
@@ -104,15 +114,6 @@ constexpr Group groups[] = {
 constexpr std::string_view laterGroups[] = {
     // Scalar mathematical functions with two arguments.
     "atan2 beta binom ellipe ellipf ellipi gammainc gez hcoc hcos hsoc hsos hypot mod sign",
-    // Data files.
-    "readglobalvars saveglobalvars",
-    "closefile",
-    "closeallfiles",
-    "openfiletowrite",
-    "openfiletoread",
-    "rewindfile",
-    "writefile",
-    "readfile",
     // Numerical library.
     "det invert",
     "solve symsolv",
