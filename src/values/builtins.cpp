@@ -13,6 +13,7 @@
 #include "numlib/random/random_builtins.h"
 #include "numlib/statistics/statistics_builtins.h"
 #include "numlib/transforms/transform_builtins.h"
+#include "numlib/linear/linear_builtins.h"
 #include "values/catalogs.h"
 #include "values/evaluator.h"
 #include "values/form_builtin.h"
@@ -93,6 +94,15 @@ constexpr Group groups[] = {
     {elapsedTimeBuiltin, "t#"},
     {sleepBuiltin, "sleep"},
     {gotourlBuiltin, "gotourl"},
+    // Numerical library.
+    {determinantBuiltin, "det invert"},
+    {solveBuiltin, "solve symsolv"},
+    {choleskyBuiltin, "cholesky"},
+    {gaussBuiltin, "gauss"},
+    {tmultBuiltin, "tmult"},
+    {cmultBuiltin, "cmult"},
+    {bandfBuiltin, "bandf"},
+    {trisolvBuiltin, "trisolv"},
     // Data files.
     {globalvarsBuiltin, "readglobalvars saveglobalvars"},
     {closefileBuiltin, "closefile"},
@@ -115,10 +125,6 @@ constexpr std::string_view laterGroups[] = {
     // Scalar mathematical functions with two arguments.
     "atan2 beta binom ellipe ellipf ellipi gammainc gez hcoc hcos hsoc hsos hypot mod sign",
     // Numerical library.
-    "det invert",
-    "solve symsolv",
-    "cholesky",
-    "gauss",
     "frame",
     "cabs ccos cexp cln csin csqrt ctan ptor rtop",
     "hermint hermit lint polint ratint",
@@ -130,9 +136,7 @@ constexpr std::string_view laterGroups[] = {
     "lfit",
     "lcfit",
     "nfit",
-    "tmult",
     "minzs",
-    "cmult",
     "lookup",
     "grad",
     "curl div jacob",
@@ -141,7 +145,6 @@ constexpr std::string_view laterGroups[] = {
     "odesint",
     "poly",
     "series",
-    "bandf",
     "bessi bessj bessk bessy",
     "spline splint",
     "deriv",
@@ -153,7 +156,6 @@ constexpr std::string_view laterGroups[] = {
     "cumipmt cumprinc fv intrate ipmt irr nper npv pmt ppmt pv xirr xnpv",
     "movingaverage",
     "date2serial serial2date",
-    "trisolv",
 
     // Plotting.
     "project",

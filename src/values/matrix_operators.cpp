@@ -4,19 +4,13 @@
 #include <cmath>
 
 #include "numlib/linear/dense_basics.h"
+#include "numlib/linear/linear_common_builtins.h"
+#include "numlib/linear/lu_factorisation.h"
 #include "numlib/special/complex_arithmetic.h"
 
 namespace vexa {
 
 namespace {
-
-const InterruptTest askUser = [] {
-  pollInterrupt();
-  return false;
-};
-
-// Below this magnitude a pivot counts as zero.
-double pivotTolerance() { return interpreter().names.find("tol#")->value * 1e-10; }
 
 // Replaces the left operand by the result; the operands have been used.
 void finish(Value& left, Value& right, Matrix* result) {
@@ -88,7 +82,7 @@ void matrixProduct(Value& left, Value& right) {
     Matrix* result = newTempMatrix(left.rows(), right.cols());
     const ConstMatrixView a = static_cast<const Matrix*>(left.matrix)->view();
     const ConstMatrixView b = static_cast<const Matrix*>(right.matrix)->view();
-    if (multiply(a, b, result->view(), askUser) != Outcome::done) raiseError(ErrorKey::interrupted);
+    runAlgorithm([&] { return multiply(a, b, result->view(), askUser); });
     finish(left, right, result);
   } else if (left.rows() == 1 && right.rows() == 1 && left.cols() == right.cols()) {
     Matrix* result = newTempMatrix(1, 1);
@@ -210,8 +204,7 @@ void matrixPower(Value& left, double exponent) {
   if (exponent < 0.0) applyInverse(left);
   Matrix* result = newTempMatrix(left.rows(), left.cols());
   const ConstMatrixView base = static_cast<const Matrix*>(left.matrix)->view();
-  if (powerOf(base, std::fabs(exponent), result->view(), askUser) != Outcome::done)
-    raiseError(ErrorKey::interrupted);
+  runAlgorithm([&] { return powerOf(base, std::fabs(exponent), result->view(), askUser); });
   Value none;
   finish(left, none, result);
 }
@@ -296,18 +289,17 @@ void applyPower(Value& left, Value& right, char mode) {
 
 void applyInverse(Value& operand) {
   if (!requireSquare(operand)) return;
-  Matrix* result = newTempMatrix(operand.rows(), operand.cols());
-  std::ranges::copy(operand.matrix->elements(), result->elements().begin());
-  switch (invertInPlace(result->view(), pivotTolerance(), askUser)) {
-    case Outcome::done:
-      break;
-    case Outcome::singular:
-      raiseError(ErrorKey::singularMatrix);
-      break;
-    case Outcome::interrupted:
-      raiseError(ErrorKey::interrupted);
-      break;
+  // The factors take the place of a temporary operand, and that of a copy for a named one.
+  Matrix* factors = operand.matrix;
+  if (!operand.tempMark) {
+    factors = newTempMatrix(operand.rows(), operand.cols());
+    std::ranges::copy(operand.matrix->elements(), factors->elements().begin());
   }
+  Matrix* result = newTempMatrix(operand.rows(), operand.cols());
+  const Outcome outcome = runAlgorithm(
+      [&] { return invertInto(factors->view(), result->view(), pivotTolerance(), askUser); });
+  if (outcome == Outcome::singular) raiseError(ErrorKey::singularMatrix);
+  if (!operand.tempMark) freeTempMatrix(factors);
   Value none;
   finish(operand, none, result);
 }

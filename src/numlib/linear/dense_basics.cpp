@@ -8,99 +8,43 @@
 #include <utility>
 #include <vector>
 
+#include "numlib/linear/dense_kernels.h"
+#include "numlib/linear/vector_kernels.h"
+
 namespace vexa {
 
 namespace {
 
-// Columns that are eliminated together, so that the rest of the matrix passes through the cache
-// once for all of them.
-constexpr int kPanel = 32;
 // Side of the square tiles in which a matrix is transposed; two of them fit the first cache.
 constexpr int kTile = 32;
 
 std::size_t size(int count) { return static_cast<std::size_t>(count); }
 
-// target[j] += f[0] row0[j] + f[1] row1[j] + ... for the `length` first j, where row k+1 lies
-// `stride` behind row k. Each sum is taken from the left, one rounding after the other, as if the
-// rows were added singly; taking four at a time only saves loads and stores of target.
-void addRows(double* __restrict target, const double* f, int count, const double* rows,
-             std::size_t stride, std::size_t length) {
-  int k = 0;
-  for (; k + 4 <= count; k += 4, rows += 4 * stride) {
-    const double f0 = f[k], f1 = f[k + 1], f2 = f[k + 2], f3 = f[k + 3];
-    const double* const row1 = rows + stride;
-    const double* const row2 = row1 + stride;
-    const double* const row3 = row2 + stride;
-    for (std::size_t j = 0; j < length; ++j) {
-      target[j] = target[j] + f0 * rows[j] + f1 * row1[j] + f2 * row2[j] + f3 * row3[j];
-    }
+// Four rows of a times the column b, side by side: their sums do not wait for each other.
+void fourDots(ConstMatrixView a, int i, const double* b, double* c) {
+  const double *const row0 = a.row(i), *const row1 = a.row(i + 1);
+  const double *const row2 = a.row(i + 2), *const row3 = a.row(i + 3);
+  double sum0 = 0.0, sum1 = 0.0, sum2 = 0.0, sum3 = 0.0;
+  for (int k = 0; k < a.cols; ++k) {
+    sum0 += row0[k] * b[k];
+    sum1 += row1[k] * b[k];
+    sum2 += row2[k] * b[k];
+    sum3 += row3[k] * b[k];
   }
-  for (; k < count; ++k, rows += stride) {
-    for (std::size_t j = 0; j < length; ++j) target[j] += f[k] * rows[j];
-  }
+  c[i] = sum0;
+  c[i + 1] = sum1;
+  c[i + 2] = sum2;
+  c[i + 3] = sum3;
 }
 
-// target[j] -= f[0] row0[j] + ..., in the same order. Adding a negated product rounds as
-// subtracting it does.
-void subtractRows(double* target, const double* f, int count, const double* rows,
-                  std::size_t stride, std::size_t length, std::vector<double>& negated) {
-  negated.resize(size(count));
-  std::transform(f, f + count, negated.begin(), [](double factor) { return -factor; });
-  addRows(target, negated.data(), count, rows, stride, length);
-}
-
-bool asksToStop(const InterruptTest& interrupted) { return interrupted && interrupted(); }
-
-// Crout's factorisation with row-scaled partial pivoting, in place: below the diagonal the
-// multipliers, on and above it the upper triangle; pivots[j] is the row that changed places with
-// row j. Every element undergoes the operations of the column-by-column form in the same order;
-// only the order among elements is changed, to walk along rows.
-Outcome factorise(MatrixView a, std::vector<int>& pivots, double pivotTolerance,
-                  const InterruptTest& interrupted) {
-  const int n = a.rows;
-  std::vector<double> scale(size(n));
-  for (int i = 0; i < n; ++i) {
-    double largest = 0.0;
-    for (int j = 0; j < n; ++j) largest = std::max(largest, std::fabs(a(i, j)));
-    if (largest == 0.0) return Outcome::singular;
-    scale[size(i)] = 1.0 / largest;
+Outcome multiplyColumn(ConstMatrixView a, const double* b, double* c,
+                       const InterruptTest& interrupted) {
+  int i = 0;
+  for (; i + 4 <= a.rows; i += 4) {
+    if (asksToStop(interrupted)) return Outcome::interrupted;
+    fourDots(a, i, b, c);
   }
-
-  std::vector<double> negated;
-  pivots.resize(size(n));
-  for (int first = 0; first < n; first += kPanel) {
-    const int last = std::min(first + kPanel, n);
-    for (int j = first; j < last; ++j) {
-      int pivotRow = j;
-      double best = 0.0;
-      for (int i = j; i < n; ++i) {
-        const double candidate = scale[size(i)] * std::fabs(a(i, j));
-        if (candidate >= best) {  // the last of equals wins
-          best = candidate;
-          pivotRow = i;
-        }
-      }
-      if (pivotRow != j) {
-        std::swap_ranges(a.row(j), a.row(j) + n, a.row(pivotRow));
-        scale[size(pivotRow)] = scale[size(j)];
-      }
-      pivots[size(j)] = pivotRow;
-      if (std::fabs(a(j, j)) < pivotTolerance) return Outcome::singular;
-
-      const double reciprocal = 1.0 / a(j, j);
-      for (int i = j + 1; i < n; ++i) {
-        double* const row = a.row(i);
-        row[j] *= reciprocal;
-        for (int k = j + 1; k < last; ++k) row[k] -= row[j] * a(j, k);
-      }
-    }
-    // The columns behind the panel catch up, from the top: row i needs the finished rows above it.
-    for (int i = first + 1; i < n && last < n; ++i) {
-      if (asksToStop(interrupted)) return Outcome::interrupted;
-      subtractRows(a.row(i) + last, a.row(i) + first, std::min(i, last) - first,
-                   a.row(first) + last, size(n), size(n - last), negated);
-    }
-  }
+  for (; i < a.rows; ++i) c[i] = dot({a.row(i), size(a.cols)}, {b, size(a.cols)});
   return Outcome::done;
 }
 
@@ -108,10 +52,19 @@ Outcome factorise(MatrixView a, std::vector<int>& pivots, double pivotTolerance,
 
 Outcome multiply(ConstMatrixView a, ConstMatrixView b, MatrixView c,
                  const InterruptTest& interrupted) {
+  if (c.cols == 1) return multiplyColumn(a, b.data, c.data, interrupted);
+  if (worthKernels(a.rows, a.cols, b.cols)) {
+    std::ranges::fill(c.elements(), 0.0);
+    return addProductInPieces(1.0, blockOf(a), Taken::plain, blockOf(b), Taken::plain, blockOf(c),
+                              interrupted)
+               ? Outcome::done
+               : Outcome::interrupted;
+  }
+  const VectorKernels& vectors = vectorKernels();
   for (int i = 0; i < c.rows; ++i) {
     if (asksToStop(interrupted)) return Outcome::interrupted;
     std::fill_n(c.row(i), c.cols, 0.0);
-    addRows(c.row(i), a.row(i), a.cols, b.data, size(b.cols), size(c.cols));
+    vectors.exactAddRows(c.row(i), a.row(i), a.cols, b.data, b.cols, size(c.cols));
   }
   return Outcome::done;
 }
@@ -139,33 +92,10 @@ void setIdentity(MatrixView a) {
   for (int i = 0; i < std::min(a.rows, a.cols); ++i) a(i, i) = 1.0;
 }
 
-Outcome invertInPlace(MatrixView a, double pivotTolerance, const InterruptTest& interrupted) {
-  std::vector<int> pivots;
-  const Outcome outcome = factorise(a, pivots, pivotTolerance, interrupted);
-  if (outcome != Outcome::done) return outcome;
-
-  // All unit vectors are solved for together, as the columns of x.
-  const int n = a.rows;
-  std::vector<double> block(a.size());
-  const MatrixView x{block.data(), n, n};
-  setIdentity(x);
-  for (int j = 0; j < n; ++j) {
-    if (pivots[size(j)] != j) std::swap_ranges(x.row(j), x.row(j) + n, x.row(pivots[size(j)]));
-  }
-  std::vector<double> negated;
-  for (int i = 1; i < n; ++i) {
-    if (asksToStop(interrupted)) return Outcome::interrupted;
-    subtractRows(x.row(i), a.row(i), i, x.data, size(n), size(n), negated);
-  }
-  for (int i = n - 1; i >= 0; --i) {
-    if (asksToStop(interrupted)) return Outcome::interrupted;
-    if (i + 1 < n) {
-      subtractRows(x.row(i), a.row(i) + i + 1, n - 1 - i, x.row(i + 1), size(n), size(n), negated);
-    }
-    for (int j = 0; j < n; ++j) x(i, j) /= a(i, i);
-  }
-  std::ranges::copy(block, a.data);
-  return Outcome::done;
+double minusProduct(double x, std::span<const double> a, std::span<const double> b) {
+  if (a.size() >= size(kernelOrder)) return x - vectorKernels().dot(a.data(), b.data(), a.size());
+  for (std::size_t k = 0; k < a.size(); ++k) x -= a[k] * b[k];
+  return x;
 }
 
 Outcome powerOf(ConstMatrixView a, double exponent, MatrixView out,

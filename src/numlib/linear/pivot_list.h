@@ -1,0 +1,39 @@
+// Row numbers kept in the elements of a matrix or work vector: two of 32 bits to an element, so
+// that the interchanges of a factorisation can be stored as a variable of the language.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <span>
+
+namespace vexa {
+
+class PivotList {
+ public:
+  // The elements must outlive the list; elementsFor(n) of them hold n numbers.
+  explicit PivotList(std::span<double> elements) : m_elements(elements) {}
+  static constexpr std::size_t elementsFor(std::size_t n) { return n / 2 + 1; }
+
+  std::size_t capacity() const { return 2 * m_elements.size(); }
+
+  int operator[](int k) const {
+    std::int32_t number;
+    std::memcpy(&number, place(k), sizeof number);
+    return number;
+  }
+  void set(int k, int row) {
+    const std::int32_t number = row;
+    std::memcpy(place(k), &number, sizeof number);
+  }
+
+ private:
+  std::byte* place(int k) const {
+    return reinterpret_cast<std::byte*>(m_elements.data()) +
+           static_cast<std::size_t>(k) * sizeof(std::int32_t);
+  }
+
+  std::span<double> m_elements;
+};
+
+}  // namespace vexa
