@@ -79,10 +79,8 @@ bool checkResultName(std::string_view name) {
       raiseError(ErrorKey::nameIsFloat, name);
       return false;
     case NameKind::userFunction:
-      raiseError(ErrorKey::conflictsWithFunction, name);
-      return false;
     case NameKind::builtin:
-      raiseError(ErrorKey::conflictsWithBuiltin, name);
+      reportCategory(*interpreter().scanner.symbol);
       return false;
     case NameKind::unknown:
       return true;
@@ -98,10 +96,8 @@ void checkScalarName(std::string_view name) {
       if (matrixOf(*interpreter().scanner.symbol)) raiseError(ErrorKey::conflictsWithMatrix, name);
       return;
     case NameKind::userFunction:
-      raiseError(ErrorKey::conflictsWithFunction, name);
-      return;
     case NameKind::builtin:
-      raiseError(ErrorKey::conflictsWithBuiltin, name);
+      reportCategory(*interpreter().scanner.symbol);
       return;
     case NameKind::dummy:
     case NameKind::unknown:
@@ -301,7 +297,8 @@ MatrixReference readMatrixReference() {
   const bool row = open == '(';
   reference.part = row ? MatrixReference::Part::row : MatrixReference::Part::column;
   reference.index = truncateIndex(readCondition(), ErrorKey::indexOutOfRange);
-  if (scanner.tokenChar != (row ? ')' : '}')) raiseError(ErrorKey::invalidData);
+  const unsigned char close = row ? ')' : '}';
+  if (scanner.tokenChar != close) raiseError(ErrorKey::invalidData);
   valueUsed(interpreter());
   if (reference.index < 1 || reference.index > (row ? matrix->rows() : matrix->cols())) {
     raiseError(ErrorKey::indexOutOfRange);

@@ -164,11 +164,10 @@ double sleepBuiltin() {
   }
   const double start = shell().clock();
   double waited = 0;
-  for (double left = seconds; left > 0;
-       left = seconds - std::max(waited, shell().clock() - start)) {
-    const double turn = std::min(left, secondsBetweenPolls);
+  while (waited < seconds) {
+    const double turn = std::min(seconds - waited, secondsBetweenPolls);
     shell().wait(turn);
-    waited += turn;
+    waited = std::max(waited + turn, shell().clock() - start);
     shell().pump();
     pollInterrupt();
   }

@@ -251,6 +251,7 @@ double orderBuiltin() {
   } while (moreArguments());
 
   std::vector<std::unique_ptr<Matrix>> contents;
+  contents.reserve(targets.size());
   for (const SizedName& target : targets)
     contents.push_back(target.sized ? newContents(builtin, target) : nullptr);
   for (std::size_t i = 0; i < targets.size(); ++i) {
