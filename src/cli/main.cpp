@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -14,6 +15,14 @@
 namespace {
 
 using namespace vexa;
+
+// A closed standard stream leaves its number to the next file that is opened, which would then be
+// read or written in its place. What stands there instead fails at every use.
+void occupyClosedStreams() {
+  for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor)
+    if (::fcntl(descriptor, F_GETFD) < 0)
+      ::open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+}
 
 int carryOut(const Options& options) {
   if (!options.information.empty())
@@ -38,6 +47,7 @@ int carryOut(const Options& options) {
 }  // namespace
 
 int main(int count, char** words) {
+  occupyClosedStreams();
   // A reader that goes away is noticed at the write.
   std::signal(SIGPIPE, SIG_IGN);
   try {

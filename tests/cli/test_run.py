@@ -89,6 +89,16 @@ class StreamsTest(CommandLineTest):
                                           b"make room or print elsewhere\n")
             self.assertEqual(done.returncode, 2)
 
+    def test_closed_streams_are_not_taken_by_files(self):
+        self.write("p.vxp", "main() { print(1); notice(2); }")
+        done = subprocess.run(f"'{vexa_path()}' run p.vxp >&-", shell=True, cwd=self.folder,
+                              stderr=subprocess.PIPE, timeout=60)
+        self.assertRegex(done.stderr, rb"^(p\.vxp: message:  +2\n)?vexa: cannot write the output: ")
+        self.assertEqual(done.returncode, 2)
+        done = subprocess.run(f"'{vexa_path()}' run - <&- 2>&-", shell=True, cwd=self.folder,
+                              stdout=subprocess.PIPE, timeout=60)
+        self.assertEqual((done.stdout, done.returncode), (b"", 2))
+
     def test_output_appears_while_the_run_goes_on(self):
         self.write("p.vxp", 'main() { print("early", ^); sleep(0.3);'
                             ' print("late", ^); while (1) { x = 1; } }')

@@ -83,6 +83,16 @@ TEST(CoreView, ShowsFramesAndLocalsThatAFaultLeft) {
   EXPECT_THAT(describe(session.view.globals()), IsEmpty());
 }
 
+TEST(CoreView, KeepsTheTemporariesThatParametersOfAFailedRunHold) {
+  ScriptedSession session("f(mat m) { x = 1/0; }\nmain() { !a = {1,2;3,4}; f(!a &* 2); }");
+  session.run();
+  EXPECT_THAT(describe(session.view.locals(2)), ElementsAre("m[2,2]"));
+  ASSERT_NE(session.view.matrix("m"), nullptr);
+  EXPECT_EQ(session.view.matrix("m")->at(2, 2), 8);
+  EXPECT_TRUE(session.evaluate("f(!{5}/1)").starts_with(" Error #14*"));
+  EXPECT_EQ(session.view.matrix("m")->at(1, 1), 2);
+}
+
 TEST(CoreView, FollowsARunWhileItWaits) {
   ScriptedSession session("f(float x)\n{\n  notice(\"here\");\n}\nmain()\n{\n  f(4.25);\n}");
   session.shell.onMessage = [&](const MessageRequest&) {

@@ -63,6 +63,16 @@ TEST(ProgramUpdate, ShowsItsOwnErrorsAndGoesOn) {
   EXPECT_EQ(noBody.back(), brokenDeclaration);
 }
 
+TEST(ProgramUpdate, RegistersNoNameThatIsTooLong) {
+  const std::string name(200, 'n');
+  ScriptedSession session(name + "() { }\nok() { return 1; }");
+  CoreCommands().setProgram(session.program);
+  CoreCommands().updateFunctions();
+  ASSERT_FALSE(session.messages().empty());
+  EXPECT_TRUE(session.messages().front().starts_with(" Error #36: Name, String or Data list"));
+  for (const FunctionRow& row : session.view.userFunctions()) EXPECT_EQ(row.name, "ok");
+}
+
 TEST(ProgramUpdate, NeedsAProgram) {
   ScriptedSession session("f() { return 1; }");
   EXPECT_FALSE(CoreCommands().updateFunctions());
