@@ -3,6 +3,7 @@
 #include <string>
 #include <utility>
 
+#include "interp/message_box.h"
 #include "values/argument_readers.h"
 #include "values/evaluator.h"
 #include "values/text_string.h"
@@ -171,6 +172,20 @@ void declareGlobal(State& state, int typeWord) {
   }
 }
 
+// The conflict with a name of a category; that of a global variable for all that are no functions.
+ErrorKey conflictOf(Category category) {
+  switch (category) {
+    case Category::reserved:
+      return ErrorKey::conflictsWithReserved;
+    case Category::userFunction:
+      return ErrorKey::conflictsWithFunction;
+    case Category::builtin:
+      return ErrorKey::conflictsWithBuiltin;
+    default:
+      return ErrorKey::conflictsWithGlobal;
+  }
+}
+
 void reportConflict(ErrorKey key, std::string_view name) {
   const State& state = interpreter();
   if (state.running || state.evaluating)
@@ -203,23 +218,21 @@ void executeGlobalDeclaration() {
 
 void checkConflicts(std::string_view name, bool globalsAllowed) {
   const Symbol* symbol = interpreter().names.find(name);
-  if (!symbol) return;
-  switch (symbol->category) {
-    case Category::reserved:
-      reportConflict(ErrorKey::conflictsWithReserved, name);
-      break;
-    case Category::userFunction:
-      reportConflict(ErrorKey::conflictsWithFunction, name);
-      break;
-    case Category::builtin:
-      reportConflict(ErrorKey::conflictsWithBuiltin, name);
-      break;
-    case Category::variable:
-      if (!globalsAllowed) reportConflict(ErrorKey::conflictsWithGlobal, name);
-      break;
-    default:
-      break;
+  if (!symbol || symbol->category == Category::none) return;
+  if (symbol->category == Category::variable) {
+    if (!globalsAllowed) reportConflict(ErrorKey::conflictsWithGlobal, name);
+    return;
   }
+  reportConflict(conflictOf(symbol->category), name);
+}
+
+void reportCategory(const Symbol& symbol) {
+  if (symbol.category == Category::variable) return;
+  const ErrorKey key = conflictOf(symbol.category);
+  if (key == ErrorKey::conflictsWithGlobal)
+    messageBox(" Error in Category");
+  else
+    raiseError(key, symbol.name());
 }
 
 bool checkNewName(std::string_view name) {

@@ -21,6 +21,9 @@ void executeGlobalDeclaration();
 bool checkNewName(std::string_view name);
 // The same for names that may hide a global variable.
 void checkConflicts(std::string_view name, bool globalsAllowed);
+// Raises the conflict of a reserved word (key 17), user function (21) or built-in (18); a global
+// variable is accepted, any other category shows " Error in Category".
+void reportCategory(const Symbol& symbol);
 // A float by name: existing, or new after checkNewName. A matrix raises key 69 and gives null.
 Symbol* makeFloat(std::string_view name);
 

@@ -55,6 +55,12 @@ void raiseError(ErrorKey key) {
     return;
   }
   ++state.faultCount;
+  // A text that is no program at all would give a message for every word of an update; as many as
+  // the error list holds are enough.
+  if (state.updatingDeclarations && state.faultCount - state.faultsBeforeUpdate > errorListLimit) {
+    state.faultContext.clear();
+    return;
+  }
   state.busy = false;
   state.errorLine = lineOfPosition(state.scanner.progCursor);
   const std::string context = std::exchange(state.faultContext, {});

@@ -4,6 +4,7 @@
 #include <array>
 #include <utility>
 
+#include "interp/declarations.h"
 #include "interp/program_text.h"
 #include "interp/statements.h"
 #include "values/argument_readers.h"
@@ -356,10 +357,8 @@ int declareDummy() {
   }
   Symbol* symbol = scanner.symbol ? scanner.symbol : state.names.intern(scanner.tokenText);
   if (symbol->localTop >= state.calls.localsBase()) raiseError(ErrorKey::dummyDuplicatesLocal);
-  if (symbol->category == Category::userFunction)
-    raiseError(ErrorKey::conflictsWithFunction, symbol->name());
-  if (symbol->category == Category::builtin)
-    raiseError(ErrorKey::conflictsWithBuiltin, symbol->name());
+  if (symbol->category == Category::userFunction || symbol->category == Category::builtin)
+    reportCategory(*symbol);
   return state.calls.pushDummy(symbol);
 }
 

@@ -71,6 +71,7 @@ struct InterpreterState {
   bool endReached = false;  // the keyword `end` stopped the run
   bool runInterrupted = false;
   unsigned faultCount = 0;  // faults raised so far, for who must know of a new one
+  unsigned faultsBeforeUpdate = 0;
   RunOutcome outcome = RunOutcome::none;
 
   // The scanner and what it reads names with.

@@ -50,8 +50,10 @@ Symbol* findMain(const State& state) {
   return symbol && symbol->category == Category::userFunction ? symbol : nullptr;
 }
 
-Symbol* registerFunction(State& state, std::string_view name, char mark, LineFinder& lines) {
+void registerFunction(State& state, std::string_view name, char mark, LineFinder& lines) {
   const Scanner& scanner = state.scanner;
+  // A name that is too long has been reported; during an update the scan goes on behind it.
+  if (name.size() > maxNameLength) return;
   Symbol* symbol = state.names.find(name);
   if (!symbol || symbol->category != Category::userFunction)
     symbol = state.names.registerName(name, typeNone, 0, Category::userFunction);
@@ -60,7 +62,6 @@ Symbol* registerFunction(State& state, std::string_view name, char mark, LineFin
   symbol->position = scanner.progCursor;
   symbol->text = state.programText;
   state.functionSeen = true;
-  return symbol;
 }
 
 // What a failed run leaves is kept for the data views; the live stack is empty again.
@@ -299,10 +300,7 @@ void updateDeclarations(State& state) {
   scanner.progCursor = state.programText->data();
   LineFinder lines;
   checkBalance();
-  // A text that is no program at all would give a message for every word: as many as the error
-  // list holds are enough.
-  const unsigned lastFault = state.faultCount + errorListLimit;
-  while (state.faultCount != lastFault) {
+  while (state.faultCount - state.faultsBeforeUpdate < errorListLimit) {
     getToken();
     if (scanner.atEnd()) return;
     if (scanner.tokenType == TOKEN_KEYWORD && isTypeWord(scanner.tokenCode)) {
@@ -327,12 +325,13 @@ bool updateProgram() {
   if (!takeProgramText(state, *state.programDocument)) return false;
   const Scanner saved = state.scanner;
   const bool evaluating = std::exchange(state.evaluating, true);
-  const unsigned faults = state.faultCount;
+  state.faultsBeforeUpdate = state.faultCount;
   state.updatingDeclarations = true;
   updateDeclarations(state);
   state.updatingDeclarations = false;
   state.evaluating = evaluating;
-  if (state.faultCount != faults) messageBox("Program Update: Error in function declaration");
+  if (state.faultCount != state.faultsBeforeUpdate)
+    messageBox("Program Update: Error in function declaration");
   state.scanner = saved;
   state.changed(Bar::functions);
   state.shell->refresh(refreshFunctions);

@@ -204,21 +204,26 @@ double parenthesised(State& state) {
   return x;
 }
 
+// The element whose `[` is the current token.
+inline double elementValue(const Symbol& symbol) {
+  const Indexes at = parseIndexesFromBracket();
+  const Matrix* matrix = matrixOf(symbol);
+  if (!matrix) {
+    raiseError(ErrorKey::matrixNameExpected);
+    return 0.0;
+  }
+  if (matrix->isString()) raiseError(ErrorKey::invalidData);
+  const Indexes place = checkIndexes(at, matrix->rows(), matrix->cols());
+  return matrix->at(place.i, place.j);
+}
+
 // A matrix where a number is wanted: an element, or the number of the matrix.
 double matrixOperand(State& state, Symbol& symbol) {
   const char* name = state.scanner.tokenStart;
   getToken();
   switch (state.scanner.tokenChar) {
     case '[': {
-      const Indexes at = parseIndexesFromBracket();
-      const Matrix* matrix = matrixOf(symbol);
-      if (!matrix) {
-        raiseError(ErrorKey::matrixNameExpected);
-        return 0.0;
-      }
-      if (matrix->isString()) raiseError(ErrorKey::invalidData);
-      const Indexes place = checkIndexes(at, matrix->rows(), matrix->cols());
-      const double x = matrix->at(place.i, place.j);
+      const double x = elementValue(symbol);
       endPrimary();
       return x;
     }

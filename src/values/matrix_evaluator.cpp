@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "interp/declarations.h"
 #include "interp/functions.h"
 #include "values/argument_readers.h"
 #include "values/builtins.h"
@@ -485,10 +486,8 @@ void valueAssignment(State& state, Value& value, Place place) {
     const char* after = skipBlanks(scanner.progCursor);
     const bool variable = scanner.nameKind <= NameKind::variable;
     if (isAssignmentSign(after)) {
-      if (scanner.nameKind == NameKind::userFunction)
-        raiseError(ErrorKey::conflictsWithFunction, scanner.tokenText);
-      if (scanner.nameKind == NameKind::builtin)
-        raiseError(ErrorKey::conflictsWithBuiltin, scanner.tokenText);
+      if (scanner.nameKind == NameKind::userFunction || scanner.nameKind == NameKind::builtin)
+        reportCategory(*scanner.symbol);
       wholeAssignment(state, value, place);
       return;
     }
