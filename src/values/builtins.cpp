@@ -14,6 +14,8 @@
 #include "numlib/statistics/statistics_builtins.h"
 #include "numlib/transforms/transform_builtins.h"
 #include "numlib/linear/linear_builtins.h"
+#include "numlib/eigen/eigen_builtins.h"
+#include "numlib/interpolation/interpolation_builtins.h"
 #include "values/catalogs.h"
 #include "values/evaluator.h"
 #include "values/form_builtin.h"
@@ -95,6 +97,10 @@ constexpr Group groups[] = {
     {sleepBuiltin, "sleep"},
     {gotourlBuiltin, "gotourl"},
     // Numerical library.
+    {eigenBuiltin, "eigen"},
+    {svdBuiltin, "svd"},
+    {svsolveBuiltin, "svsolve"},
+    {interpolationBuiltin, "hermint hermit lint polint ratint"},
     {determinantBuiltin, "det invert"},
     {solveBuiltin, "solve symsolv"},
     {choleskyBuiltin, "cholesky"},
@@ -127,12 +133,8 @@ constexpr std::string_view laterGroups[] = {
     // Numerical library.
     "frame",
     "cabs ccos cexp cln csin csqrt ctan ptor rtop",
-    "hermint hermit lint polint ratint",
     "roots",
     "gausspt",
-    "eigen",
-    "svd",
-    "svsolve",
     "lfit",
     "lcfit",
     "nfit",

@@ -1,0 +1,116 @@
+#include "numlib/eigen/rotations.h"
+
+#include <algorithm>
+
+#include "numlib/eigen/packs.h"
+
+namespace vexa {
+
+namespace {
+
+// Rows that are rotated together. Their columns stand one behind the other in the panel.
+constexpr int kPanelRows = 4 * packSize;
+
+Pack* packs(double* column) { return reinterpret_cast<Pack*>(column); }
+
+}  // namespace
+
+ColumnRotations::ColumnRotations(MatrixView target, const InterruptTest& interrupted)
+    : m_target(target),
+      m_interrupted(interrupted),
+      // Copying rows into a panel and back must be a small share of the work on it.
+      m_enough(std::max<std::size_t>(8192, 16 * static_cast<std::size_t>(target.cols))),
+      m_panel(static_cast<std::size_t>(target.cols) * kPanelRows) {}
+
+void ColumnRotations::beginChain(int column, Direction direction) {
+  const int step = direction == Direction::ascending ? 1 : -1;
+  m_sweeps.push_back({m_rotations.size(), column, column + step, step, false});
+}
+
+void ColumnRotations::beginFan(int hub, int first) {
+  m_sweeps.push_back({m_rotations.size(), hub, first, 1, true});
+}
+
+// The four packs of the carried column stay in registers for the whole sweep.
+VEXA_WIDE_LOOPS void ColumnRotations::applySweep(double* panel, const Sweep& sweep,
+                                                 const Rotation* rotation, std::ptrdiff_t count) {
+  Pack* carried = packs(panel + sweep.start * std::ptrdiff_t{kPanelRows});
+  Pack* next = packs(panel + sweep.first * std::ptrdiff_t{kPanelRows});
+  const std::ptrdiff_t step = sweep.step * std::ptrdiff_t{kPanelRows / packSize};
+  Pack x0 = carried[0], x1 = carried[1], x2 = carried[2], x3 = carried[3];
+  if (sweep.fan) {
+    for (; count > 0; --count, ++rotation, next += step) {
+      const double c = rotation->c;
+      const double s = rotation->s;
+      const Pack y0 = next[0], y1 = next[1], y2 = next[2], y3 = next[3];
+      next[0] = c * y0 - s * x0;
+      next[1] = c * y1 - s * x1;
+      next[2] = c * y2 - s * x2;
+      next[3] = c * y3 - s * x3;
+      x0 = c * x0 + s * y0;
+      x1 = c * x1 + s * y1;
+      x2 = c * x2 + s * y2;
+      x3 = c * x3 + s * y3;
+    }
+  } else {
+    for (; count > 0; --count, ++rotation, carried = next, next += step) {
+      const double c = rotation->c;
+      const double s = rotation->s;
+      const Pack y0 = next[0], y1 = next[1], y2 = next[2], y3 = next[3];
+      carried[0] = c * x0 + s * y0;
+      carried[1] = c * x1 + s * y1;
+      carried[2] = c * x2 + s * y2;
+      carried[3] = c * x3 + s * y3;
+      x0 = c * y0 - s * x0;
+      x1 = c * y1 - s * x1;
+      x2 = c * y2 - s * x2;
+      x3 = c * y3 - s * x3;
+    }
+  }
+  carried[0] = x0;
+  carried[1] = x1;
+  carried[2] = x2;
+  carried[3] = x3;
+}
+
+void ColumnRotations::applyToPanel(int firstRow, int rows, int firstCol, int lastCol) {
+  double* const panel = m_panel.data();
+  const auto place = [panel](int column, int row) -> double& {
+    return panel[column * std::ptrdiff_t{kPanelRows} + row];
+  };
+  for (int r = 0; r < rows; ++r) {
+    const double* const row = m_target.row(firstRow + r);
+    for (int j = firstCol; j <= lastCol; ++j) place(j, r) = row[j];
+  }
+  for (std::size_t k = 0; k < m_sweeps.size(); ++k) {
+    const std::size_t begin = m_sweeps[k].begin;
+    const std::size_t end = k + 1 < m_sweeps.size() ? m_sweeps[k + 1].begin : m_rotations.size();
+    applySweep(panel, m_sweeps[k], m_rotations.data() + begin,
+               static_cast<std::ptrdiff_t>(end - begin));
+  }
+  for (int r = 0; r < rows; ++r) {
+    double* const row = m_target.row(firstRow + r);
+    for (int j = firstCol; j <= lastCol; ++j) row[j] = place(j, r);
+  }
+}
+
+bool ColumnRotations::applyAll() {
+  int firstCol = m_target.cols - 1;
+  int lastCol = 0;
+  for (std::size_t k = 0; k < m_sweeps.size(); ++k) {
+    const std::size_t end = k + 1 < m_sweeps.size() ? m_sweeps[k + 1].begin : m_rotations.size();
+    const int count = static_cast<int>(end - m_sweeps[k].begin);
+    const int last = m_sweeps[k].first + (count - 1) * m_sweeps[k].step;
+    firstCol = std::min({firstCol, m_sweeps[k].start, last});
+    lastCol = std::max({lastCol, m_sweeps[k].start, last});
+  }
+  for (int row = 0; row < m_target.rows && !m_rotations.empty(); row += kPanelRows) {
+    if (asksToStop(m_interrupted)) return false;
+    applyToPanel(row, std::min(kPanelRows, m_target.rows - row), firstCol, lastCol);
+  }
+  m_rotations.clear();
+  m_sweeps.clear();
+  return true;
+}
+
+}  // namespace vexa
