@@ -12,17 +12,16 @@
 namespace vexa {
 namespace {
 
-using ::testing::ElementsAre;
 using Part = MatrixReference::Part;
 
 // A text under the scanner. Faults unwind while an evaluation is active.
 class ReaderTest : public ::testing::Test {
  protected:
-  ReaderTest() {
+  void SetUp() override {
     session.run("mat m[2,3]; float x = 5; int n; string s = \"text\"; main() { !p = {3,4}; }");
     state().evaluating = true;
   }
-  ~ReaderTest() override { state().evaluating = false; }
+  void TearDown() override { state().evaluating = false; }
 
   InterpreterState& state() { return session.scope.state(); }
   void place(std::string_view text) {

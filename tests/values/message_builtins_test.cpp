@@ -29,7 +29,7 @@ TEST(MessageBuiltins, SleepingHearsEsc) {
 TEST(MessageBuiltins, AFormThatIsNeverRightUsesUpTheLoopBudget) {
   ScriptedSession session(
       "float x = 1; main() { x = 2; inform(\"Data\", \"factor\", x); print(x); }");
-  for (int i = 0; i <= loopBudgetAtStart; ++i) session.shell.answers.push_back("1/0");
+  for (int i = 0; i <= loopBudgetAtStart; ++i) session.shell.answers.emplace_back("1/0");
   session.run();
   EXPECT_THAT(session.shell.calls("form "), SizeIs(loopBudgetAtStart));
   EXPECT_EQ(session.shell.calls("form ")[1], "Data again for field 0, factor = 1/0 -> 1/0");

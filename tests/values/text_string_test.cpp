@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "support/scripted_shell.h"
+#include "values/argument_readers.h"
 
 namespace vexa {
 namespace {
@@ -46,11 +47,12 @@ TEST(TextString, GivesTextsBackWithoutTrailingBlanks) {
 TEST(TextString, LeavesNoVariableBehindATextThatIsTooLong) {
   ScriptedSession session;
   assignText("long", std::string(stringLimit + 1, 'x'));
-  EXPECT_EQ(session.view.matrix("long"), nullptr);
+  EXPECT_EQ(findMatrix("long"), nullptr);
   assignText("long", std::string(stringLimit, 'x'));
-  ASSERT_NE(session.view.matrix("long"), nullptr);
-  storeText(*const_cast<Matrix*>(session.view.matrix("long")), std::string(stringLimit + 1, 'y'));
-  EXPECT_EQ(loadText(*session.view.matrix("long")), std::string(stringLimit, 'x'));
+  Matrix* matrix = findMatrix("long");
+  ASSERT_NE(matrix, nullptr);
+  storeText(*matrix, std::string(stringLimit + 1, 'y'));
+  EXPECT_EQ(loadText(*matrix), std::string(stringLimit, 'x'));
 }
 
 }  // namespace
