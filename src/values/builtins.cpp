@@ -10,12 +10,12 @@
 #include "interp/file_builtins.h"
 #include "interp/interpreter_state.h"
 #include "interp/message_box.h"
+#include "numlib/eigen/eigen_builtins.h"
+#include "numlib/interpolation/interpolation_builtins.h"
+#include "numlib/linear/linear_builtins.h"
 #include "numlib/random/random_builtins.h"
 #include "numlib/statistics/statistics_builtins.h"
 #include "numlib/transforms/transform_builtins.h"
-#include "numlib/linear/linear_builtins.h"
-#include "numlib/eigen/eigen_builtins.h"
-#include "numlib/interpolation/interpolation_builtins.h"
 #include "values/catalogs.h"
 #include "values/evaluator.h"
 #include "values/form_builtin.h"
@@ -96,19 +96,6 @@ constexpr Group groups[] = {
     {elapsedTimeBuiltin, "t#"},
     {sleepBuiltin, "sleep"},
     {gotourlBuiltin, "gotourl"},
-    // Numerical library.
-    {eigenBuiltin, "eigen"},
-    {svdBuiltin, "svd"},
-    {svsolveBuiltin, "svsolve"},
-    {interpolationBuiltin, "hermint hermit lint polint ratint"},
-    {determinantBuiltin, "det invert"},
-    {solveBuiltin, "solve symsolv"},
-    {choleskyBuiltin, "cholesky"},
-    {gaussBuiltin, "gauss"},
-    {tmultBuiltin, "tmult"},
-    {cmultBuiltin, "cmult"},
-    {bandfBuiltin, "bandf"},
-    {trisolvBuiltin, "trisolv"},
     // Data files.
     {globalvarsBuiltin, "readglobalvars saveglobalvars"},
     {closefileBuiltin, "closefile"},
@@ -124,6 +111,19 @@ constexpr Group groups[] = {
     {randfillBuiltin, "randfill randnormfill"},
     {sortBuiltin, "sort"},
     {fftBuiltin, "fft"},
+    // Numerical library.
+    {determinantBuiltin, "det invert"},
+    {solveBuiltin, "solve symsolv"},
+    {choleskyBuiltin, "cholesky"},
+    {gaussBuiltin, "gauss"},
+    {tmultBuiltin, "tmult"},
+    {cmultBuiltin, "cmult"},
+    {bandfBuiltin, "bandf"},
+    {trisolvBuiltin, "trisolv"},
+    {eigenBuiltin, "eigen"},
+    {svdBuiltin, "svd"},
+    {svsolveBuiltin, "svsolve"},
+    {interpolationBuiltin, "hermint hermit lint polint ratint"},
 };
 
 // Groups whose handler is still to come.
@@ -162,8 +162,8 @@ constexpr std::string_view laterGroups[] = {
     // Plotting.
     "project",
     "poly2bezier",
-    "plotarc plotarcarrow plotarrow plotarrowatpoint plotarrowrange plotchord plotchordarrow "
-    "plotcircle plotpie plotpiearrow",
+    ("plotarc plotarcarrow plotarrow plotarrowatpoint plotarrowrange plotchord plotchordarrow "
+     "plotcircle plotpie plotpiearrow"),
     "getorientation newdrawdocument setorientation",
     "plot3d plot3dcurve plotbox plothistogram",
     "clearplot duplicateselect getitemindex getop moveitems moveselect removeselect setop",
