@@ -32,10 +32,17 @@ void OutputStream::write(std::string_view text, char mode) {
     m_lineIsEmpty = text.back() == '\n';
     return;
   }
-  if (!text.empty() && !m_lineIsEmpty) put("\n");
-  put(text);
-  put("\n");
+  if (!text.empty()) {
+    if (!m_lineIsEmpty) put('\n');
+    put(text);
+  }
+  put('\n');
   m_lineIsEmpty = true;
+}
+
+void OutputStream::put(char c) {
+  if (m_used == m_buffer.size()) flush();
+  m_buffer[m_used++] = c;
 }
 
 void OutputStream::flush() {

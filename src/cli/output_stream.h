@@ -30,6 +30,7 @@ class OutputStream {
 
  private:
   void put(std::string_view text);
+  void put(char c);
 
   int m_descriptor;
   int m_failure = 0;

@@ -34,10 +34,18 @@ class ArgumentList {
   ArgumentList(const ArgumentList&) = delete;
   ArgumentList& operator=(const ArgumentList&) = delete;
   ~ArgumentList() {
+    for (int i = 0; i < m_count; ++i)
+      if (Matrix* matrix = m_items[index(i)].matrix) matrix->unpin();
+  }
+
+  // After a fault the frame's records are still shown, so their temporaries stay where they are.
+  void freeTemporaries() {
     for (int i = 0; i < m_count; ++i) {
-      if (!m_items[index(i)].matrix) continue;
-      m_items[index(i)].matrix->unpin();
-      if (m_items[index(i)].temporary) freeTempMatrix(m_items[index(i)].matrix);
+      Argument& argument = m_items[index(i)];
+      if (!argument.temporary) continue;
+      argument.matrix->unpin();
+      freeTempMatrix(argument.matrix);
+      argument.matrix = nullptr;
     }
   }
 
@@ -264,6 +272,7 @@ void callTrace(State& state, Symbol& function, bool isMain) {
     CallLine line(state, function, isMain);
     if (!isMain) evaluateArguments(state, arguments, line);
     runBody(state, function, arguments, callSite, line.take());
+    arguments.freeTemporaries();
   }
   state.currentFunction = caller;
   state.callerFunction = callersCaller;

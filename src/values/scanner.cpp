@@ -84,6 +84,14 @@ void setOperator(Scanner& scanner, OperatorCode code) {
   scanner.progCursor += 2;
 }
 
+// The types of the characters that are tokens by themselves.
+constexpr std::array<TokenType, 256> loneTypes = [] {
+  std::array<TokenType, 256> types{};
+  types.fill(TOKEN_DELIMITER);
+  types['{'] = types['}'] = TOKEN_BLOCK;
+  return types;
+}();
+
 // What the entry of a name means where nothing nearer hides it, by category.
 constexpr NameKind entryKinds[] = {NameKind::unknown,  NameKind::unknown,      NameKind::unknown,
                                    NameKind::variable, NameKind::userFunction, NameKind::builtin};
@@ -364,9 +372,10 @@ TokenType scanFromComment(const InterpreterState& state, Scanner& scanner, const
     }
     if (kind & charLone) {
       scanner.tokenStart = at;
-      setDelimiter(scanner, at, 1, static_cast<unsigned char>(*at));
-      // Of these bytes only the braces, 0x7B and 0x7D, become 0x7F so.
-      if ((*at | 6) == '\x7f') scanner.tokenType = TOKEN_BLOCK;
+      scanner.tokenType = loneTypes[static_cast<unsigned char>(*at)];
+      scanner.tokenText = {at, 1};
+      scanner.tokenChar = static_cast<unsigned char>(*at);
+      scanner.progCursor = at + 1;
       return scanner.tokenType;
     }
     if (kind & charDigit) {
