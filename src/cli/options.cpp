@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cctype>
+#include <charconv>
 #include <optional>
 
 namespace vexa {
@@ -37,6 +38,7 @@ messages, questions and faults go to stderr, a line each.
                    Each may be repeated. Without an answer left the user is asked on a
                    terminal; otherwise a file dialog is cancelled, a text entry is empty
                    and a question takes its default button.
+  --seed N         starts the random numbers at seed N, from 1 to 2147483647
   --trace          prints a line when a function is entered and when it is left
   --show-values    lists the calls with their arguments on stderr at the end
   -h, --help       this text
@@ -156,11 +158,20 @@ class CommandParser {
     } else if (m_entry.command == Command::eval && word == "--program") {
       if (auto value = readValue(word, attached)) m_options.program = std::move(*value);
       if (m_options.problem.empty() && m_options.program.empty()) fail("--program needs a file");
+    } else if (m_entry.command == Command::run && word == "--seed") {
+      if (auto value = readValue(word, attached)) readSeed(*value);
     } else if (bool* flag = attached ? nullptr : flagOf(word)) {
       *flag = true;
     } else {
       fail("unknown option " + quoted(word));
     }
+  }
+
+  void readSeed(const std::string& text) {
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, m_options.seed);
+    if (error != std::errc() || rest != end || m_options.seed < 1)
+      fail("--seed needs a whole number from 1 to 2147483647, not " + quoted(text));
   }
 
   std::vector<std::string>* queueOf(std::string_view name) {

@@ -3,6 +3,7 @@
 // What stands on the command line. Parsed by hand: a library would add a tenth to the time in which
 // an empty program runs, and could not tell `vexa eval -2+3` from an option.
 
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
@@ -22,6 +23,7 @@ struct Options {
   std::string program;     // a path, "-" for standard input; empty where it may be left out
   std::string expression;  // of eval
   std::vector<std::string> openFiles, saveFiles, answers;
+  std::int32_t seed = 0;  // of the random numbers; 0 where none is given
   bool trace = false;
   bool showValues = false;
 

@@ -6,6 +6,7 @@
 #include "cli/program_file.h"
 #include "cli/terminal_shell.h"
 #include "interp/core_view.h"
+#include "numlib/random/random_builtins.h"
 
 namespace vexa {
 
@@ -38,6 +39,7 @@ int runCommand(const Options& options) {
   CoreCommands commands;
   commands.setTrace(options.trace);
   commands.setDisplayValues(options.showValues);
+  if (options.seed != 0) seedRandomNumbers(options.seed);
   catchInterrupts();
   if (!commands.execute(program)) return shell.finish(exitUsage);
   if (options.showValues) shell.writeCalls();

@@ -148,6 +148,13 @@ class OptionsTest(CommandLineTest):
         self.assertEqual(done.stdout, b"")
         self.assertIn(b"p.vxp:5: call: f(3.1416)\n", done.stderr)
 
+    def test_a_seed_starts_the_random_numbers(self):
+        self.write("given.vxp", 'main() { print("%.15g ", rand(), "%.15g", randnorm(), ^); }')
+        self.write("own.vxp", 'main() { print("%.15g ", rand(42), "%.15g", randnorm(), ^); }')
+        expected = self.vexa("run", "own.vxp").stdout
+        self.assertEqual(self.vexa("run", "given.vxp", "--seed", "42").stdout, expected)
+        self.assertNotEqual(self.vexa("run", "given.vxp").stdout, expected)
+
     def test_other_messages_are_lines_too(self):
         self.write("p.vxp", 'main() { postmessage("wait"); hidemessage();\n'
                             '  print("%g", gotourl("https://example.org/")); }')
@@ -160,7 +167,9 @@ class OptionsTest(CommandLineTest):
                           ["run"], ["run", "p.vxp", "q.vxp"], ["run", "p.vxp", "--bad"],
                           ["run", "p.vxp", "--answer"], ["run", ""], ["run", "p.vxp", "--trace=1"],
                           ["run", "p.vxp", "--drawing", "x.svg"], ["run", "--program", "p.vxp"],
-                          ["run", "p.vxp", "--bad\nline"],
+                          ["run", "p.vxp", "--bad\nline"], ["run", "p.vxp", "--seed"],
+                          ["run", "p.vxp", "--seed", "0"], ["run", "p.vxp", "--seed=1.5"],
+                          ["run", "p.vxp", "--seed", "2147483648"],
                           ["eval"], ["eval", ""], ["eval", "1", "2"], ["eval", "--program"],
                           ["eval", "--program=", "1"], ["eval", "--trace", "1"],
                           ["repl", "--answer", "1"], ["repl", "p.vxp", "q.vxp"]):
@@ -178,7 +187,7 @@ class OptionsTest(CommandLineTest):
             self.assertEqual((done.stderr, done.returncode), (b"", 0))
             self.assertIn(b"vexa " + command.encode(), self.vexa("--help").stdout)
         help_text = self.vexa("run", "--help").stdout
-        for option in (b"--open", b"--save", b"--answer", b"--trace", b"--show-values"):
+        for option in (b"--open", b"--save", b"--answer", b"--seed", b"--trace", b"--show-values"):
             self.assertIn(option, help_text)
 
 
