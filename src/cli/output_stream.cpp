@@ -52,6 +52,7 @@ void OutputStream::flush() {
 }
 
 void OutputStream::put(std::string_view text) {
+  if (text.empty()) return;
   if (text.size() > m_buffer.size() - m_used) flush();
   if (text.size() > m_buffer.size()) {
     if (m_failure == 0) m_failure = writeAll(m_descriptor, text);
