@@ -88,7 +88,7 @@ bool BorrowedCholesky::solveForward(MatrixView a, const InterruptTest& interrupt
   for (int i = 0; i < a.rows; ++i) {
     if (asksToStop(interrupted)) return false;
     for (int k = 0; k < i; ++k) m_factors[static_cast<std::size_t>(k)] = -m_b(i, k);
-    addRows(a.row(i), m_factors.data(), blockOf(a, 0, 0, i, a.cols));
+    addRows(a.row(i), m_factors.data(), subMatrix(a, 0, 0, i, a.cols));
     divideRow(a, i, m_diagonal[static_cast<std::size_t>(i)]);
   }
   return true;
@@ -107,7 +107,7 @@ Outcome BorrowedCholesky::transformBack(MatrixView a, const InterruptTest& inter
   for (int i = n - 1; i >= 0; --i) {
     if (asksToStop(interrupted)) return Outcome::interrupted;
     for (int k = i + 1; k < n; ++k) m_factors[static_cast<std::size_t>(k - i - 1)] = -m_b(k, i);
-    if (i + 1 < n) addRows(a.row(i), m_factors.data(), blockOf(a, i + 1, 0, n - 1 - i, a.cols));
+    if (i + 1 < n) addRows(a.row(i), m_factors.data(), subMatrix(a, i + 1, 0, n - 1 - i, a.cols));
     divideRow(a, i, m_diagonal[static_cast<std::size_t>(i)]);
   }
   return Outcome::done;

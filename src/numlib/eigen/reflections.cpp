@@ -14,7 +14,10 @@ namespace {
 constexpr int kSafeRange = 400;
 
 const Pack& pack(const double* x) { return *reinterpret_cast<const Pack*>(x); }
-Pack& pack(double* x) { return *reinterpret_cast<Pack*>(x); }
+Pack& pack(double* x) {
+  auto* const at = reinterpret_cast<Pack*>(x);
+  return *at;
+}
 
 double sumOf(const double* lanes) {
   return ((lanes[0] + lanes[4]) + (lanes[1] + lanes[5])) +
@@ -93,12 +96,12 @@ VEXA_WIDE_LOOPS void addProductsTo(double* rows, std::ptrdiff_t stride, std::ptr
 
 double rowProduct(const double* a, const double* b, int n) { return product(a, b, n); }
 
-void addRows(double* y, const double* factors, const Block& block) {
+void addRows(double* y, const double* factors, const SubMatrix& block) {
   vectorKernels().exactAddRows(y, factors, block.rows, block.data, block.stride,
                                static_cast<std::size_t>(block.cols));
 }
 
-void addProducts(const Block& block, const double* factors, const double* y) {
+void addProducts(const SubMatrix& block, const double* factors, const double* y) {
   addProductsTo(block.data, block.stride, block.rows, factors, y, block.cols);
 }
 
@@ -120,7 +123,7 @@ Reflection makeReflection(std::span<double> x, int pivot) {
   return {h, root / scale};
 }
 
-void reflectColumns(const Block& block, std::span<const double> u, double h,
+void reflectColumns(const SubMatrix& block, std::span<const double> u, double h,
                     std::span<double> work) {
   const auto sums = work.first(static_cast<std::size_t>(block.cols));
   std::ranges::fill(sums, 0.0);
@@ -129,7 +132,7 @@ void reflectColumns(const Block& block, std::span<const double> u, double h,
   addProducts(block, u.data(), sums.data());
 }
 
-void reflectRows(const Block& block, std::span<const double> u, double h) {
+void reflectRows(const SubMatrix& block, std::span<const double> u, double h) {
   for (int i = 0; i < block.rows; ++i) {
     double* const row = block.row(i);
     const double factor = -rowProduct(row, u.data(), block.cols) / h;
@@ -137,7 +140,7 @@ void reflectRows(const Block& block, std::span<const double> u, double h) {
   }
 }
 
-void reflectSymmetric(const Block& block, std::span<const double> u, double h,
+void reflectSymmetric(const SubMatrix& block, std::span<const double> u, double h,
                       std::span<double> work) {
   const int n = block.rows;
   const auto p = work.first(static_cast<std::size_t>(n));

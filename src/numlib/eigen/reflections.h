@@ -12,7 +12,7 @@
 namespace vexa {
 
 // A rectangular part of a matrix: rows of `cols` numbers, each row `stride` behind the one before.
-struct Block {
+struct SubMatrix {
   double* data = nullptr;
   int rows = 0;
   int cols = 0;
@@ -22,7 +22,7 @@ struct Block {
 };
 
 // The part of m whose first element is (i, j), counted from 0.
-inline Block blockOf(MatrixView m, int i, int j, int rows, int cols) {
+inline SubMatrix subMatrix(MatrixView m, int i, int j, int rows, int cols) {
   return {m.row(i) + j, rows, cols, m.cols};
 }
 
@@ -30,10 +30,10 @@ inline Block blockOf(MatrixView m, int i, int j, int rows, int cols) {
 double rowProduct(const double* a, const double* b, int n);
 
 // y[j] += the sum over the rows k of factors[k] * block(k, j), the first row first.
-void addRows(double* y, const double* factors, const Block& block);
+void addRows(double* y, const double* factors, const SubMatrix& block);
 
 // block(i, j) += factors[i] * y[j].
-void addProducts(const Block& block, const double* factors, const double* y);
+void addProducts(const SubMatrix& block, const double* factors, const double* y);
 
 struct Reflection {
   double h = 0.0;      // half of u'u; 0 when nothing needs to be reflected
@@ -45,15 +45,15 @@ struct Reflection {
 Reflection makeReflection(std::span<double> x, int pivot);
 
 // block = (I - u u' / h) * block. `work` holds block.cols numbers.
-void reflectColumns(const Block& block, std::span<const double> u, double h,
+void reflectColumns(const SubMatrix& block, std::span<const double> u, double h,
                     std::span<double> work);
 
 // block = block * (I - u u' / h).
-void reflectRows(const Block& block, std::span<const double> u, double h);
+void reflectRows(const SubMatrix& block, std::span<const double> u, double h);
 
 // The symmetric matrix whose lower triangle stands in block is reflected from both sides. `work`
 // holds block.rows numbers; the upper triangle is neither read nor changed.
-void reflectSymmetric(const Block& block, std::span<const double> u, double h,
+void reflectSymmetric(const SubMatrix& block, std::span<const double> u, double h,
                       std::span<double> work);
 
 // A power of two that brings numbers of the given largest magnitude near 1; 1 when they are so

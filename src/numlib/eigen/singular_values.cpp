@@ -45,12 +45,12 @@ bool makeBidiagonal(MatrixView a, Bidiagonal& b, std::span<double> column, std::
     for (int k = i; k < m; ++k) a(k, i) = u[static_cast<std::size_t>(k - i)];
     if (i + 1 == n) break;
 
-    if (left.h != 0.0) reflectColumns(blockOf(a, i, i + 1, m - i, n - i - 1), u, left.h, work);
+    if (left.h != 0.0) reflectColumns(subMatrix(a, i, i + 1, m - i, n - i - 1), u, left.h, work);
     const std::span<double> v{a.row(i) + i + 1, static_cast<std::size_t>(n - i - 1)};
     const Reflection right = makeReflection(v, 0);
     b.right[at] = right.h;
     b.e[at + 1] = right.image;
-    if (right.h != 0.0) reflectRows(blockOf(a, i + 1, i + 1, m - i - 1, n - i - 1), v, right.h);
+    if (right.h != 0.0) reflectRows(subMatrix(a, i + 1, i + 1, m - i - 1, n - i - 1), v, right.h);
   }
   return true;
 }
@@ -66,7 +66,7 @@ bool accumulateRight(ConstMatrixView a, const Bidiagonal& b, MatrixView v, std::
     const double h = b.right[static_cast<std::size_t>(i)];
     if (h == 0.0) continue;
     std::copy(a.row(i) + i + 1, a.row(i) + n, u.begin());
-    reflectColumns(blockOf(v, i + 1, i + 1, n - i - 1, n - i - 1), u, h, work);
+    reflectColumns(subMatrix(v, i + 1, i + 1, n - i - 1, n - i - 1), u, h, work);
   }
   return true;
 }
@@ -86,7 +86,7 @@ bool accumulateLeft(MatrixView a, const Bidiagonal& b, std::span<double> column,
       a(k, i) = k == i ? 1.0 : 0.0;
     }
     std::fill(a.row(i) + i + 1, a.row(i) + n, 0.0);
-    if (h != 0.0) reflectColumns(blockOf(a, i, i, m - i, n - i), u, h, work);
+    if (h != 0.0) reflectColumns(subMatrix(a, i, i, m - i, n - i), u, h, work);
   }
   return true;
 }

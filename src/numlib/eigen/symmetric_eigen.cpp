@@ -28,7 +28,7 @@ bool makeTridiagonal(MatrixView a, std::span<double> h, std::span<double> coupli
     const auto at = static_cast<std::size_t>(i);
     h[at] = reflection.h;
     coupling[at] = reflection.image;
-    if (reflection.h != 0.0) reflectSymmetric(blockOf(a, 0, 0, i, i), u, reflection.h, work);
+    if (reflection.h != 0.0) reflectSymmetric(subMatrix(a, 0, 0, i, i), u, reflection.h, work);
   }
   return true;
 }
@@ -41,7 +41,7 @@ bool accumulate(MatrixView a, std::span<double> values, std::span<double> work,
     if (asksToStop(interrupted)) return false;
     const auto at = static_cast<std::size_t>(i);
     const std::span<double> u{a.row(i), at};
-    if (values[at] != 0.0) reflectColumns(blockOf(a, 0, 0, i, i), u, values[at], work);
+    if (values[at] != 0.0) reflectColumns(subMatrix(a, 0, 0, i, i), u, values[at], work);
     values[at] = a(i, i);
     a(i, i) = 1.0;
     for (int j = 0; j < i; ++j) a(i, j) = a(j, i) = 0.0;
@@ -76,7 +76,7 @@ struct Tridiagonal {
 
   // One implicit QL step from `last` up to `first`: the first rotation is that of the shifted
   // matrix, each further one drives out the element that its forerunner brought in.
-  void iterate(std::size_t first, std::size_t last, ColumnRotations& vectors) {
+  void iterate(std::size_t first, std::size_t last, ColumnRotations& vectors) const {
     vectors.beginChain(static_cast<int>(last), Direction::descending);
     double x = d[last] - shift(first);
     double y = e[last - 1];
