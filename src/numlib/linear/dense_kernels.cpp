@@ -18,8 +18,11 @@ namespace {
 constexpr int kPackedRows = 96;
 constexpr int kPackedDepth = 256;
 constexpr int kPackedCols = 1536;
-// Multiplications between two questions: some tens of milliseconds with the slowest provider.
-constexpr double kPieceWork = 1e8;
+// Multiplications between two questions: some ten milliseconds with the slowest provider.
+constexpr double kPieceWork = 4e7;
+// Beyond this depth a provider gains nothing from a longer piece.
+constexpr int kPieceDepth = 256;
+constexpr double kSmallPiece = double{kernelOrder} * kernelOrder * kernelOrder;
 // Up to this order a triangular system goes to the provider whole, and a lower triangle is updated
 // by way of a square.
 constexpr int kTriangle = 64;
@@ -30,6 +33,12 @@ constexpr int kSmallTriangle = 8;
 std::size_t size(int count) { return static_cast<std::size_t>(count); }
 
 int roundUp(int count, int step) { return (count + step - 1) / step * step; }
+
+// The step that divides `count` into as few equal parts as steps of at most `longest` allow.
+int evenStep(int count, double longest) {
+  const double parts = std::ceil(count / std::max(1.0, std::floor(longest)));
+  return static_cast<int>(std::ceil(count / parts));
+}
 
 double element(ConstBlock m, Taken taken, int i, int j) {
   return taken == Taken::plain ? m.row(i)[j] : m.row(j)[i];
@@ -197,10 +206,17 @@ bool isFromRight(TriangularSystem system) {
          system == TriangularSystem::lowerUnitTransposed;
 }
 
-bool solveByHalves(const DenseKernels& kernels, TriangularSystem system, ConstBlock t, Block x,
+// A library that wakes threads for a small piece loses more than it gains.
+const DenseKernels& kernelsFor(double multiplications) {
+  return multiplications < kSmallPiece ? ownKernels() : denseKernels();
+}
+
+bool solveByHalves(TriangularSystem system, ConstBlock t, Block x,
                    const InterruptTest& interrupted) {
   const int n = t.rows;
   if (n <= kTriangle) {
+    const DenseKernels& kernels =
+        kernelsFor(double(n) * n * (isFromRight(system) ? x.rows : x.cols));
     // n is small, so the length of x bounds the work.
     const int step = static_cast<int>(kPieceWork) / (kTriangle * kTriangle);
     const int length = isFromRight(system) ? x.rows : x.cols;
@@ -216,7 +232,7 @@ bool solveByHalves(const DenseKernels& kernels, TriangularSystem system, ConstBl
   const int rest = n - half;
   const ConstBlock first = t.part(0, 0, half, half), last = t.part(half, half, rest, rest);
   const auto solvePart = [&](ConstBlock triangle, Block part) {
-    return solveByHalves(kernels, system, triangle, part, interrupted);
+    return solveByHalves(system, triangle, part, interrupted);
   };
   if (isFromRight(system)) {
     const Block left = x.part(0, 0, x.rows, half), right = x.part(0, half, x.rows, rest);
@@ -257,21 +273,21 @@ void allowSystemBlas(bool allowed) { blasAllowed() = allowed; }
 bool systemBlasAllowed() { return blasAllowed(); }
 
 bool worthKernels(int rows, int inner, int cols) {
-  constexpr double least = double{kernelOrder} * kernelOrder * kernelOrder;
   return std::max({rows, inner, cols}) >= kernelOrder && std::min({rows, inner, cols}) >= 8 &&
-         double(rows) * inner * cols >= least;
+         double(rows) * inner * cols >= kSmallPiece;
 }
 
 bool addProductInPieces(double sign, ConstBlock a, Taken aTaken, ConstBlock b, Taken bTaken,
                         Block c, const InterruptTest& interrupted) {
-  const DenseKernels& kernels = denseKernels();
   const int inner = aTaken == Taken::plain ? a.cols : a.rows;
   if (c.rows == 0 || c.cols == 0 || inner == 0) return true;
-  const bool whole = double(c.rows) * c.cols * inner <= kPieceWork;
-  const int depthStep = whole ? inner : std::min(inner, 384);
+  const double work = double(c.rows) * c.cols * inner;
+  const DenseKernels& kernels = kernelsFor(work);
+  const bool whole = work <= kPieceWork;
+  const int depthStep = whole ? inner : evenStep(inner, kPieceDepth);
   const double area = kPieceWork / depthStep;
-  const int colStep = whole ? c.cols : std::min(c.cols, std::max(512, int(std::sqrt(area))));
-  const int rowStep = whole ? c.rows : int(std::min(double(c.rows), area / colStep));
+  const int colStep = whole ? c.cols : evenStep(c.cols, std::max(512.0, std::sqrt(area)));
+  const int rowStep = whole ? c.rows : evenStep(c.rows, area / colStep);
   for (int k = 0; k < inner; k += depthStep) {
     const int depth = std::min(depthStep, inner - k);
     for (int i = 0; i < c.rows; i += rowStep) {
@@ -320,7 +336,7 @@ bool subtractLowerProduct(ConstBlock a, Taken aTaken, ConstBlock b, Taken bTaken
 
 bool solveInPieces(TriangularSystem system, ConstBlock t, Block x,
                    const InterruptTest& interrupted) {
-  return solveByHalves(denseKernels(), system, t, x, interrupted);
+  return solveByHalves(system, t, x, interrupted);
 }
 
 }  // namespace vexa

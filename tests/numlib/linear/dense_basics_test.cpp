@@ -40,8 +40,9 @@ TEST_F(DenseBasicsTest, ProductsSumInOrder) {
 }
 
 TEST_F(DenseBasicsTest, LargeProductsAreGoodToTheirLength) {
-  for (auto [r, n, q] :
+  for (const std::array<int, 3>& orders :
        {std::array{128, 128, 128}, {131, 200, 145}, {50, 700, 90}, {900, 8, 400}}) {
+    const int r = orders[0], n = orders[1], q = orders[2];
     const TestMatrix a = randomMatrix(r, n), b = randomMatrix(n, q), reference = product(a, b);
     withEachProvider([&] {
       TestMatrix c(r, q);

@@ -110,7 +110,7 @@ TEST_F(DenseKernelsTest, LowerTrianglesLeaveWhatIsAboveThem) {
 }
 
 TEST_F(DenseKernelsTest, WorkIsCutIntoPiecesBetweenQuestions) {
-  // 5e8 multiplications: at least five pieces of 1e8, and not hundreds.
+  // 5e8 multiplications, a tenth of a second at some billions a second: tens of pieces.
   const TestMatrix a = randomMatrix(800, 800), b = randomMatrix(800, 800);
   const TestMatrix reference = product(a, b);
   TestMatrix c(800, 800, 0.0);

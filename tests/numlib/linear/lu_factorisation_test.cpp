@@ -119,7 +119,9 @@ TEST_F(LuTest, ResidualsAreSmallHoweverIllConditioned) {
     if (n <= 12) families.emplace_back("Hilbert", hilbert(n));
     if (n <= 12) families.emplace_back("Vandermonde", vandermonde(n));
     const std::vector<double> b = randomVector(n);
-    for (const auto& [family, a] : families) {
+    for (const auto& named : families) {
+      const char* const family = named.first;
+      const TestMatrix& a = named.second;
       withEachProvider([&] {
         Factors factors(a);
         ASSERT_EQ(factors.outcome, Outcome::done) << family << " " << n;
@@ -165,7 +167,7 @@ TEST_F(LuTest, TheLastOfEqualCandidatesBecomesThePivot) {
 
 TEST_F(LuTest, SingularByZeroRowOrByTolerance) {
   EXPECT_EQ(Factors(TestMatrix(2, 2, {0, 0, 1, 2}), 0.0).outcome, Outcome::singular);
-  const TestMatrix small(1, 1, {0x1p-52});
+  const TestMatrix small(1, 1, 0x1p-52);
   EXPECT_EQ(Factors(small, 0x1p-51).outcome, Outcome::singular);
   EXPECT_EQ(Factors(small, 0x1p-52).outcome, Outcome::done);  // not below
   TestMatrix twins = randomMatrix(200, 200);

@@ -13,7 +13,9 @@ namespace {
 using StructuredProductsTest = RandomTest;
 
 TEST_F(StructuredProductsTest, CongruenceMirrorsItsUpperTriangle) {
-  for (const auto [n, m] : {std::array{1, 1}, {3, 2}, {2, 5}, {60, 40}, {130, 260}, {200, 150}}) {
+  for (const std::array<int, 2>& orders :
+       {std::array{1, 1}, {3, 2}, {2, 5}, {60, 40}, {130, 260}, {200, 150}}) {
+    const int n = orders[0], m = orders[1];
     const TestMatrix a = randomMatrix(n, m), k = randomMatrix(n, n);  // k need not be symmetric
     const TestMatrix reference = product(a.transposed(), product(k, a));
     withEachProvider([&] {
@@ -31,7 +33,8 @@ TEST_F(StructuredProductsTest, CongruenceMirrorsItsUpperTriangle) {
 }
 
 TEST_F(StructuredProductsTest, ComplexProductsAreFourRealOnes) {
-  for (const auto [r, p, q] : {std::array{1, 1, 1}, {3, 4, 2}, {140, 150, 131}}) {
+  for (const std::array<int, 3>& orders : {std::array{1, 1, 1}, {3, 4, 2}, {140, 150, 131}}) {
+    const int r = orders[0], p = orders[1], q = orders[2];
     const TestMatrix a = randomMatrix(r, p), b = randomMatrix(r, p);
     const TestMatrix c = randomMatrix(p, q), d = randomMatrix(p, q);
     const TestMatrix ac = product(a, c), bd = product(b, d), ad = product(a, d), bc = product(b, c);
