@@ -127,21 +127,6 @@ void declareLocal(State& state, int typeWord) {
   }
 }
 
-// The float or matrix of a global's name, new or existing; null after a conflict.
-Symbol* makeGlobalMatrix(State& state, std::string_view name) {
-  Symbol* symbol = state.names.find(name);
-  if (symbol && symbol->isGlobal()) {
-    if (symbol->type == typeMatrix) return symbol;
-    raiseError(ErrorKey::nameIsFloat, name);
-    return nullptr;
-  }
-  if (!checkNewName(name)) return nullptr;
-  symbol = state.names.registerName(name, typeMatrix, 0, Category::variable);
-  symbol->state = stateOwnsMatrix;
-  symbol->matrix = newMatrix(1, 1);
-  return symbol;
-}
-
 void declareGlobal(State& state, int typeWord) {
   const Scanner& scanner = state.scanner;
   const std::string_view name = readDeclaredName(scanner);
@@ -164,8 +149,8 @@ void declareGlobal(State& state, int typeWord) {
   if (typeWord == classMat) {
     const Order order = readOrder(scanner);
     auto matrix = newMatrix(order.rows, order.cols);
-    if (Symbol* symbol = makeGlobalMatrix(state, name)) symbol->matrix->swapContents(*matrix);
-  } else if (Symbol* symbol = makeGlobalMatrix(state, name)) {
+    if (Symbol* symbol = makeGlobalMatrix(name)) symbol->matrix->swapContents(*matrix);
+  } else if (Symbol* symbol = makeGlobalMatrix(name)) {
     if (!known) storeText(*symbol->matrix, {});
     const std::string text = readInitialText(scanner, name);
     storeText(*symbol->matrix, text);
@@ -239,6 +224,21 @@ bool checkNewName(std::string_view name) {
   checkConflicts(name, false);
   const Symbol* symbol = interpreter().names.find(name);
   return !symbol || symbol->category == Category::none;
+}
+
+Symbol* makeGlobalMatrix(std::string_view name) {
+  State& state = interpreter();
+  Symbol* symbol = state.names.find(name);
+  if (symbol && symbol->isGlobal()) {
+    if (symbol->type == typeMatrix) return symbol;
+    raiseError(ErrorKey::nameIsFloat, name);
+    return nullptr;
+  }
+  if (!checkNewName(name)) return nullptr;
+  symbol = state.names.registerName(name, typeMatrix, 0, Category::variable);
+  symbol->state = stateOwnsMatrix;
+  symbol->matrix = newMatrix(1, 1);
+  return symbol;
 }
 
 Symbol* makeFloat(std::string_view name) {

@@ -24,6 +24,9 @@ void checkConflicts(std::string_view name, bool globalsAllowed);
 // Raises the conflict of a reserved word (key 17), user function (21) or built-in (18); a global
 // variable is accepted, any other category shows " Error in Category".
 void reportCategory(const Symbol& symbol);
+// A global matrix by name: existing, or new, 1 x 1 and zero, after checkNewName. A global float
+// raises key 51 and gives null. Locals of the name do not count.
+Symbol* makeGlobalMatrix(std::string_view name);
 // A float by name: existing, or new after checkNewName. A matrix raises key 69 and gives null.
 Symbol* makeFloat(std::string_view name);
 

@@ -109,23 +109,6 @@ void mergeFloat(const RecordHead& head, double x) {
   symbol->value = wholeNumber(x, symbol->flags == flagWhole);
 }
 
-// The global of a matrix record's name, new or existing; null after a conflict. It is a global also
-// where a local float hides it.
-Symbol* globalMatrix(std::string_view name) {
-  InterpreterState& state = interpreter();
-  Symbol* symbol = state.names.find(name);
-  if (symbol && symbol->isGlobal()) {
-    if (symbol->type == typeMatrix) return symbol;
-    raiseError(ErrorKey::nameIsFloat, name);
-    return nullptr;
-  }
-  if (!checkNewName(name)) return nullptr;
-  symbol = state.names.registerName(name, typeMatrix, 0, Category::variable);
-  symbol->state = stateOwnsMatrix;
-  symbol->matrix = newMatrix(1, 1);
-  return symbol;
-}
-
 GlobalsOutcome mergeMatrix(BinaryFile& file, const RecordHead& head, std::string& conflict) {
   if (isLocalMatrix(head.name)) {
     conflict = head.name;
@@ -136,7 +119,8 @@ GlobalsOutcome mergeMatrix(BinaryFile& file, const RecordHead& head, std::string
   if (outcome == RecordOutcome::noMemory) return GlobalsOutcome::noMemory;
   if (outcome != RecordOutcome::complete) return GlobalsOutcome::damaged;
   setFlags(*matrix, head.flags);
-  if (Symbol* symbol = globalMatrix(head.name)) symbol->matrix->swapContents(*matrix);
+  // It is a global also where a local float hides it.
+  if (Symbol* symbol = makeGlobalMatrix(head.name)) symbol->matrix->swapContents(*matrix);
   return GlobalsOutcome::complete;
 }
 

@@ -208,7 +208,10 @@ void dataList(State& state, Value& value) {
       getToken();
       continue;
     }
-    if (c != ';' && c != '}') raiseError(ErrorKey::invalidData);
+    if (c != ';' && c != '}') {
+      raiseError(ErrorKey::invalidData);
+      return;
+    }
     if (rows == 0) cols = elements.size();
     if (elements.size() - rowStart < cols) raiseError(ErrorKey::tooFewElements);
     ++rows;

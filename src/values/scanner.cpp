@@ -398,23 +398,27 @@ TokenType scanFromComment(const InterpreterState& state, Scanner& scanner, const
   }
 }
 
-// The same where a comment may begin.
+// The same where a comment may begin; any number of comments may follow each other.
 [[gnu::noinline]] TokenType scanFromComment(const InterpreterState& state, Scanner& scanner,
                                             const char* at) {
   if (!startsComment(at)) {
     scanner.tokenStart = scanner.progCursor = at;
     return scanPunctuation(scanner, at);
   }
-  const char* past = pastComment(at);
-  if (!past) {
-    // The cursor goes back, so that the message names the line where the comment began.
-    scanner.tokenStart = scanner.progCursor = at;
-    clearToken(scanner);
-    raiseError(ErrorKey::commentNotTerminated);
-    // Only outside an evaluation: the rest of the text is the comment's.
-    past = at + std::strlen(at);
+  while (startsComment(at)) {
+    const char* past = pastComment(at);
+    if (!past) {
+      // The cursor goes back, so that the message names the line where the comment began.
+      scanner.tokenStart = scanner.progCursor = at;
+      clearToken(scanner);
+      raiseError(ErrorKey::commentNotTerminated);
+      // Only outside an evaluation: the rest of the text is the comment's.
+      past = at + std::strlen(at);
+    }
+    at = past;
+    while (isCharacter(*at, charBlank)) ++at;
   }
-  return scanFrom(state, scanner, past);
+  return scanFrom(state, scanner, at);
 }
 
 [[gnu::noinline]] TokenType getTokenAfterPoll(Scanner& scanner) {
