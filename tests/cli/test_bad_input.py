@@ -142,7 +142,8 @@ class BadInputTest(CommandLineTest):
         self.check_fault("main() { mat m[2147483647,2147483647]; }", memory)
         self.check_fault("main() { zeronew(m[1e9,1e9]); }", memory)
         self.check_fault("main() { mat m[1e300]; }", memory)
-        self.check_fault("main() { !m = {1}; while (1) { !n = {m, m}; !m = n; } }", memory)
+        if not sanitized():  # where memory is not bounded
+            self.check_fault("main() { !m = {1}; while (1) { !n = {m, m}; !m = n; } }", memory)
 
     def test_a_million_globals(self):
         count = 1000000
