@@ -45,7 +45,8 @@ class BinaryFile {
 
  private:
   struct Closer {
-    void operator()(std::FILE* stream) const { std::fclose(stream); }
+    // What was written has been flushed, and its failure told, before.
+    void operator()(std::FILE* stream) const { static_cast<void>(std::fclose(stream)); }
   };
 
   std::unique_ptr<std::FILE, Closer> m_stream;
