@@ -109,7 +109,10 @@ Outcome powerOf(ConstMatrixView a, double exponent, MatrixView out,
   // most 2 log2(n) products instead of n - 1, forms nothing but powers up to the n-th (whole
   // elements stay exact), and gathers fewer roundings.
   int squaringsAfterwards = 0;  // for exponents beyond the whole numbers that a double holds
-  for (; exponent >= 0x1p53; exponent /= 2.0) ++squaringsAfterwards;
+  while (exponent >= 0x1p53) {
+    exponent /= 2.0;
+    ++squaringsAfterwards;
+  }
   const auto bits = static_cast<std::uint64_t>(exponent);
 
   std::vector<double> block(a.size());

@@ -69,7 +69,7 @@ void packCols(ConstBlock b, Taken taken, int k0, int depth, int j0, int cols, in
     if (width < tile) std::fill_n(out, size(depth) * size(tile), 0.0);
     if (taken == Taken::plain) {
       for (int k = 0; k < depth; ++k) {
-        std::copy_n(b.row(k0 + k) + j0 + j, width, out + k * tile);
+        std::copy_n(b.row(k0 + k) + j0 + j, width, out + size(k) * size(tile));
       }
     } else {
       for (int c = 0; c < width; ++c) {

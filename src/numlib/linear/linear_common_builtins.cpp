@@ -4,6 +4,8 @@
 
 namespace vexa {
 
+// A function without captures is stored without allocation.
+// NOLINTNEXTLINE(cert-err58-cpp)
 const InterruptTest askUser = [] {
   pollInterrupt();
   return false;

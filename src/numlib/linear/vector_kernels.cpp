@@ -19,7 +19,7 @@ namespace {
 namespace plain {
 
 constexpr const char* kName = "plain";
-constexpr int kLanes = 2;
+constexpr std::size_t kLanes = 2;
 constexpr int kTileRows = 4;
 using V = double __attribute__((vector_size(16)));
 
@@ -57,7 +57,7 @@ inline void storePart(double* at, Part, V v) { at[0] = v[0]; }
 namespace avx2 {
 
 constexpr const char* kName = "avx2";
-constexpr int kLanes = 4;
+constexpr std::size_t kLanes = 4;
 constexpr int kTileRows = 4;
 using V = __m256d;
 
@@ -98,7 +98,7 @@ inline void storePart(double* at, Part part, V v) { _mm256_maskstore_pd(at, part
 namespace avx512 {
 
 constexpr const char* kName = "avx512";
-constexpr int kLanes = 8;
+constexpr std::size_t kLanes = 8;
 constexpr int kTileRows = 8;
 using V = __m512d;
 
