@@ -9,7 +9,14 @@
 
 namespace vexa {
 
-using Pack = double __attribute__((vector_size(32), aligned(8), may_alias));
+using Pack = double __attribute__((vector_size(32)));
+
+// A pack where it lies. The record around it carries the alignment, which clang 14 loses on the way
+// from an aligned type to a reference.
+struct [[gnu::packed, gnu::may_alias]] StoredPack {
+  Pack lanes;
+};
+static_assert(alignof(StoredPack) == 1 && sizeof(StoredPack) == sizeof(Pack));
 
 inline constexpr std::ptrdiff_t packSize = 4;
 

@@ -13,9 +13,9 @@ namespace {
 // Magnitudes between 2^-range and 2^range can be squared, and any number of squares be added.
 constexpr int kSafeRange = 400;
 
-const Pack& pack(const double* x) { return *reinterpret_cast<const Pack*>(x); }
-Pack& pack(double* x) {
-  auto* const at = reinterpret_cast<Pack*>(x);
+const StoredPack& pack(const double* x) { return *reinterpret_cast<const StoredPack*>(x); }
+StoredPack& pack(double* x) {
+  auto* const at = reinterpret_cast<StoredPack*>(x);
   return *at;
 }
 
@@ -32,17 +32,17 @@ VEXA_WIDE_LOOPS void multiplySymmetric(const double* s, std::ptrdiff_t stride, c
     const double* const row = s + i * stride;
     const double factor = u[i];
     alignas(32) double lanes[2 * packSize] = {};
-    Pack even = pack(lanes);
+    Pack even = pack(lanes).lanes;
     Pack odd = even;
     std::ptrdiff_t j = 0;
     for (; j + 2 * packSize <= i; j += 2 * packSize) {
-      even += pack(row + j) * pack(u + j);
-      odd += pack(row + j + packSize) * pack(u + j + packSize);
-      pack(p + j) += factor * pack(row + j);
-      pack(p + j + packSize) += factor * pack(row + j + packSize);
+      even += pack(row + j).lanes * pack(u + j).lanes;
+      odd += pack(row + j + packSize).lanes * pack(u + j + packSize).lanes;
+      pack(p + j).lanes += factor * pack(row + j).lanes;
+      pack(p + j + packSize).lanes += factor * pack(row + j + packSize).lanes;
     }
-    pack(lanes) = even;
-    pack(lanes + packSize) = odd;
+    pack(lanes).lanes = even;
+    pack(lanes + packSize).lanes = odd;
     double sum = sumOf(lanes);
     for (; j < i; ++j) {
       sum += row[j] * u[j];
@@ -61,22 +61,22 @@ VEXA_WIDE_LOOPS void subtractSymmetric(double* s, std::ptrdiff_t stride, const d
     const double qi = q[i];
     std::ptrdiff_t j = 0;
     for (; j + packSize <= i + 1; j += packSize)
-      pack(row + j) -= ui * pack(q + j) + qi * pack(u + j);
+      pack(row + j).lanes -= ui * pack(q + j).lanes + qi * pack(u + j).lanes;
     for (; j <= i; ++j) row[j] -= ui * q[j] + qi * u[j];
   }
 }
 
 VEXA_WIDE_LOOPS double product(const double* a, const double* b, std::ptrdiff_t n) {
   alignas(32) double lanes[2 * packSize] = {};
-  Pack even = pack(lanes);
+  Pack even = pack(lanes).lanes;
   Pack odd = even;
   std::ptrdiff_t k = 0;
   for (; k + 2 * packSize <= n; k += 2 * packSize) {
-    even += pack(a + k) * pack(b + k);
-    odd += pack(a + k + packSize) * pack(b + k + packSize);
+    even += pack(a + k).lanes * pack(b + k).lanes;
+    odd += pack(a + k + packSize).lanes * pack(b + k + packSize).lanes;
   }
-  pack(lanes) = even;
-  pack(lanes + packSize) = odd;
+  pack(lanes).lanes = even;
+  pack(lanes + packSize).lanes = odd;
   double sum = sumOf(lanes);
   for (; k < n; ++k) sum += a[k] * b[k];
   return sum;
@@ -87,7 +87,7 @@ VEXA_WIDE_LOOPS void addProductsTo(double* rows, std::ptrdiff_t stride, std::ptr
   for (std::ptrdiff_t k = 0; k < count; ++k, rows += stride) {
     const double factor = f[k];
     std::ptrdiff_t j = 0;
-    for (; j + packSize <= n; j += packSize) pack(rows + j) += factor * pack(y + j);
+    for (; j + packSize <= n; j += packSize) pack(rows + j).lanes += factor * pack(y + j).lanes;
     for (; j < n; ++j) rows[j] += factor * y[j];
   }
 }

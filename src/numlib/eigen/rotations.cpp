@@ -11,7 +11,7 @@ namespace {
 // Rows that are rotated together. Their columns stand one behind the other in the panel.
 constexpr int kPanelRows = 4 * packSize;
 
-Pack* packs(double* column) { return reinterpret_cast<Pack*>(column); }
+StoredPack* packs(double* column) { return reinterpret_cast<StoredPack*>(column); }
 
 }  // namespace
 
@@ -34,19 +34,19 @@ void ColumnRotations::beginFan(int hub, int first) {
 // The four packs of the carried column stay in registers for the whole sweep.
 VEXA_WIDE_LOOPS void ColumnRotations::applySweep(double* panel, const Sweep& sweep,
                                                  const Rotation* rotation, std::ptrdiff_t count) {
-  Pack* carried = packs(panel + sweep.start * std::ptrdiff_t{kPanelRows});
-  Pack* next = packs(panel + sweep.first * std::ptrdiff_t{kPanelRows});
+  StoredPack* carried = packs(panel + sweep.start * std::ptrdiff_t{kPanelRows});
+  StoredPack* next = packs(panel + sweep.first * std::ptrdiff_t{kPanelRows});
   const std::ptrdiff_t step = sweep.step * std::ptrdiff_t{kPanelRows / packSize};
-  Pack x0 = carried[0], x1 = carried[1], x2 = carried[2], x3 = carried[3];
+  Pack x0 = carried[0].lanes, x1 = carried[1].lanes, x2 = carried[2].lanes, x3 = carried[3].lanes;
   if (sweep.fan) {
     for (; count > 0; --count, ++rotation, next += step) {
       const double c = rotation->c;
       const double s = rotation->s;
-      const Pack y0 = next[0], y1 = next[1], y2 = next[2], y3 = next[3];
-      next[0] = c * y0 - s * x0;
-      next[1] = c * y1 - s * x1;
-      next[2] = c * y2 - s * x2;
-      next[3] = c * y3 - s * x3;
+      const Pack y0 = next[0].lanes, y1 = next[1].lanes, y2 = next[2].lanes, y3 = next[3].lanes;
+      next[0].lanes = c * y0 - s * x0;
+      next[1].lanes = c * y1 - s * x1;
+      next[2].lanes = c * y2 - s * x2;
+      next[3].lanes = c * y3 - s * x3;
       x0 = c * x0 + s * y0;
       x1 = c * x1 + s * y1;
       x2 = c * x2 + s * y2;
@@ -56,21 +56,21 @@ VEXA_WIDE_LOOPS void ColumnRotations::applySweep(double* panel, const Sweep& swe
     for (; count > 0; --count, ++rotation, carried = next, next += step) {
       const double c = rotation->c;
       const double s = rotation->s;
-      const Pack y0 = next[0], y1 = next[1], y2 = next[2], y3 = next[3];
-      carried[0] = c * x0 + s * y0;
-      carried[1] = c * x1 + s * y1;
-      carried[2] = c * x2 + s * y2;
-      carried[3] = c * x3 + s * y3;
+      const Pack y0 = next[0].lanes, y1 = next[1].lanes, y2 = next[2].lanes, y3 = next[3].lanes;
+      carried[0].lanes = c * x0 + s * y0;
+      carried[1].lanes = c * x1 + s * y1;
+      carried[2].lanes = c * x2 + s * y2;
+      carried[3].lanes = c * x3 + s * y3;
       x0 = c * y0 - s * x0;
       x1 = c * y1 - s * x1;
       x2 = c * y2 - s * x2;
       x3 = c * y3 - s * x3;
     }
   }
-  carried[0] = x0;
-  carried[1] = x1;
-  carried[2] = x2;
-  carried[3] = x3;
+  carried[0].lanes = x0;
+  carried[1].lanes = x1;
+  carried[2].lanes = x2;
+  carried[3].lanes = x3;
 }
 
 void ColumnRotations::applyToPanel(int firstRow, int rows, int firstCol, int lastCol) {
