@@ -98,7 +98,7 @@ class Terminal:
         return bool(piece)
 
     def expect(self, text):
-        """Waits until a text appears and forgets everything up to its end; gives what was before."""
+        """Waits for a text and forgets everything up to its end; gives what was before it."""
         text = text if isinstance(text, bytes) else text.encode()
         end = time.monotonic() + LIMIT
         while text not in self.seen:
