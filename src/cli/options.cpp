@@ -41,6 +41,7 @@ messages, questions and faults go to stderr, a line each.
   --seed N         starts the random numbers at seed N, from 1 to 2147483647
   --trace          prints a line when a function is entered and when it is left
   --show-values    lists the calls with their arguments on stderr at the end
+  --own-kernels    keeps matrix algebra away from the system's BLAS library
   -h, --help       this text
 
 Exit status: 0 the run ended, 1 a fault ended it, 2 wrong usage or unreadable file,
@@ -186,6 +187,7 @@ class CommandParser {
     if (m_entry.command != Command::run) return nullptr;
     if (name == "--trace") return &m_options.trace;
     if (name == "--show-values") return &m_options.showValues;
+    if (name == "--own-kernels") return &m_options.ownKernels;
     return nullptr;
   }
 

@@ -26,6 +26,7 @@ struct Options {
   std::int32_t seed = 0;  // of the random numbers; 0 where none is given
   bool trace = false;
   bool showValues = false;
+  bool ownKernels = false;
 
   // Instead of a command: a text for stdout, or what is wrong with the words.
   std::string_view information;

@@ -6,6 +6,7 @@
 #include "cli/program_file.h"
 #include "cli/terminal_shell.h"
 #include "interp/core_view.h"
+#include "numlib/linear/dense_kernels.h"
 #include "numlib/random/random_builtins.h"
 
 namespace vexa {
@@ -40,6 +41,7 @@ int runCommand(const Options& options) {
   commands.setTrace(options.trace);
   commands.setDisplayValues(options.showValues);
   if (options.seed != 0) seedRandomNumbers(options.seed);
+  if (options.ownKernels) allowSystemBlas(false);
   catchInterrupts();
   if (!commands.execute(program)) return shell.finish(exitUsage);
   if (options.showValues) shell.writeCalls();

@@ -82,11 +82,12 @@ class StreamsTest(CommandLineTest):
     @unittest.skipUnless(os.path.exists("/dev/full"), "needs /dev/full")
     def test_output_that_cannot_be_written_is_told_once(self):
         for count in (1, 100000):
-            self.write("p.vxp", f"main() {{ for (i = 1; i <= {count}; i = i + 1) {{ print(i); }} }}")
+            self.write("p.vxp", f"main() {{ for (i = 1; i <= {count}; i = i + 1)"
+                                " { print(i); } }")
             with open("/dev/full", "wb") as full:
                 done = self.vexa("run", "p.vxp", stdout=full)
-            self.assertEqual(done.stderr, b"vexa: cannot write the output: No space left on device; "
-                                          b"make room or print elsewhere\n")
+            self.assertEqual(done.stderr, b"vexa: cannot write the output: No space left on "
+                                          b"device; make room or print elsewhere\n")
             self.assertEqual(done.returncode, 2)
 
     def test_closed_streams_are_not_taken_by_files(self):
@@ -154,6 +155,12 @@ class OptionsTest(CommandLineTest):
         expected = self.vexa("run", "own.vxp").stdout
         self.assertEqual(self.vexa("run", "given.vxp", "--seed", "42").stdout, expected)
         self.assertNotEqual(self.vexa("run", "given.vxp").stdout, expected)
+
+    def test_own_kernels_give_the_same_answer(self):
+        self.write("p.vxp", 'main() { mat x[300]; for (i = 1; i <= 300; i = i + 1) { x[i] = i; }'
+                            ' !A = sin(!x~*x); !B = A*A; print("%.9g", B[7,9]); }')
+        self.check(self.vexa("run", "p.vxp", "--own-kernels"),
+                   self.vexa("run", "p.vxp").stdout)
 
     def test_other_messages_are_lines_too(self):
         self.write("p.vxp", 'main() { postmessage("wait"); hidemessage();\n'
