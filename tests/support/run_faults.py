@@ -4,9 +4,9 @@
 A table is a sequence of records, each a program and the lines that say what it promises, or several
 programs of one line each that promise the same:
 
-    * main() { x = (1+); } // )
-    * main() { x = 2^-1; } // -
-    ! %:1: error: Error #27: More than one operator or delimiter  encountered:   near "\\? " on line  1
+    * main() { x = 3 y; } // y
+    * main() { x = (3) z; } // z
+    ! %:1: error: Error #26: Missing operator or  delimiter:   near "\\? " on line  1
 
 Lines without a mark are the program. A mark is followed by a blank:
 
