@@ -98,7 +98,8 @@ struct Scanner {
 
   std::string_view lastNameText() const { return {nameStart, nameLength}; }
   bool atEnd() const {
-    return tokenCode == FINISHED && tokenType == TOKEN_DELIMITER && tokenText.empty();
+    // The text first: comparing type and code at once would wait for both stores of the scanner.
+    return tokenText.empty() && tokenCode == FINISHED && tokenType == TOKEN_DELIMITER;
   }
   // The first byte of an operator's code, 0 for every other token.
   unsigned char operatorCode() const {
