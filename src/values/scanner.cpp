@@ -442,10 +442,12 @@ TokenType getToken() {
 bool acceptLone(char c) {
   Scanner& scanner = interpreter().scanner;
   const char* at = peekBlanks(scanner.progCursor);
-  if (*at != c) return false;
+  // `=` may begin `==` and a quote a literal: those are for the scanner to tell.
+  if (*at != c || !isCharacter(c, charLone)) return false;
   scanner.tokenStart = at;
   scanner.tokenCode = classNone;
   setDelimiter(scanner, at, 1, static_cast<unsigned char>(c));
+  scanner.tokenType = loneTypes[static_cast<unsigned char>(c)];
   return true;
 }
 
