@@ -14,9 +14,9 @@
 
 #include "interp/text_sink.h"
 
-class CMiniDrawDoc;
-
 namespace vexa {
+
+class CMiniDrawDoc;
 
 enum class Interrupt { none, escape, stop };
 enum class Bar { locals, values, calls, errors, functions, globals };
