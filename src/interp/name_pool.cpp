@@ -1,6 +1,8 @@
 #include "interp/name_pool.h"
 
 #include <algorithm>
+#include <bit>
+#include <utility>
 
 #include "interp/preset_globals.h"
 #include "values/builtin_names.h"
@@ -22,8 +24,7 @@ NameKey nameKeyOf(std::string_view word) {
 }
 
 NamePool::NamePool() {
-  m_slots.resize(initialSlots);
-  m_mask = initialSlots - 1;
+  setSlots(initialSlots);
   registerPresets();
   registerPermanentNames();
 }
@@ -45,22 +46,26 @@ Symbol* NamePool::intern(std::string_view word) {
 
 void NamePool::insert(Symbol* symbol, NameKey key) {
   if (2 * (m_used + 1) > m_slots.size()) grow();
-  std::size_t at = key.hash & m_mask;
-  while (m_slots[at].symbol) at = (at + 1) & m_mask;
-  m_slots[at] = {key.prefix, symbol};
+  m_slots[freeSlot(key)] = {key.prefix, symbol};
   ++m_used;
 }
 
 void NamePool::grow() {
-  std::vector<Slot> old(m_slots.size() * 2);
-  old.swap(m_slots);
-  m_mask = m_slots.size() - 1;
-  for (const Slot& slot : old) {
-    if (!slot.symbol) continue;
-    std::size_t at = nameKeyOf(slot.symbol->name()).hash & m_mask;
-    while (m_slots[at].symbol) at = (at + 1) & m_mask;
-    m_slots[at] = slot;
-  }
+  const std::vector<Slot> old = std::move(m_slots);
+  setSlots(2 * old.size());
+  for (const Slot& slot : old)
+    if (slot.symbol) m_slots[freeSlot(nameKeyOf(slot.symbol->name()))] = slot;
+}
+
+void NamePool::setSlots(std::size_t count) {
+  m_slots.assign(count, Slot{});
+  m_shift = 64 - std::countr_zero(count);
+}
+
+std::size_t NamePool::freeSlot(NameKey key) const {
+  std::size_t at = firstSlot(key);
+  while (m_slots[at].symbol) at = nextSlot(at);
+  return at;
 }
 
 Symbol* NamePool::registerName(std::string_view word, std::int16_t type, int number,
@@ -104,8 +109,7 @@ void NamePool::remove(Symbol& symbol) {
 }
 
 void NamePool::resetForRun() {
-  m_slots.assign(initialSlots, Slot{});
-  m_mask = initialSlots - 1;
+  setSlots(initialSlots);
   m_used = 0;
   m_symbols.clear();
   m_functions.clear();

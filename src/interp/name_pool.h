@@ -67,7 +67,8 @@ struct Symbol {
   bool isGlobal() const { return category == Category::variable; }
 };
 
-// A word as the table keys it: its first eight bytes, zero-filled, and its hash.
+// A word as the table keys it: its first eight bytes, zero-filled, and its hash, of which the high
+// bits are the well mixed ones.
 struct NameKey {
   std::uint64_t prefix = 0;
   std::uint64_t hash = 0;
@@ -75,16 +76,24 @@ struct NameKey {
 
 inline constexpr std::size_t prefixLength = 8;
 
+// The bytes that a word of 0 to 7 letters fills of its prefix.
+inline constexpr std::array<std::uint64_t, prefixLength> prefixMasks = [] {
+  std::array<std::uint64_t, prefixLength> masks{};
+  for (std::size_t length = 1; length < prefixLength; ++length)
+    masks[length] = masks[length - 1] << 8 | 0xFF;
+  return masks;
+}();
+
 // `word` must be followed by at least eight readable bytes.
 inline NameKey nameKeyOfPadded(const char* word, std::size_t length) {
   constexpr std::uint64_t multiplier = 0x9E3779B97F4A7C15u;
   std::uint64_t prefix;
   std::memcpy(&prefix, word, prefixLength);
-  if (length < prefixLength) prefix &= (std::uint64_t{1} << (8 * length)) - 1;
+  if (length < prefixLength) prefix &= prefixMasks[length];
   std::uint64_t hash = prefix * multiplier;
   for (std::size_t i = prefixLength; i < length; ++i)
     hash = (hash ^ static_cast<unsigned char>(word[i])) * multiplier;
-  return {prefix, hash ^ (hash >> 32)};
+  return {prefix, hash};
 }
 NameKey nameKeyOf(std::string_view word);
 
@@ -95,7 +104,7 @@ class NamePool {
   // The symbol of a word, or null when nothing carries it. Words longer than maxNameLength are
   // never found.
   Symbol* find(const char* word, std::size_t length, NameKey key) const {
-    for (std::size_t at = key.hash & m_mask;; at = (at + 1) & m_mask) {
+    for (std::size_t at = firstSlot(key);; at = nextSlot(at)) {
       const Slot& slot = m_slots[at];
       if (slot.prefix == key.prefix && slot.symbol) {
         // A shorter word fills its prefix up with NULs, which no word contains.
@@ -106,7 +115,7 @@ class NamePool {
   }
   // The same for a word shorter than its prefix.
   Symbol* findShort(NameKey key) const {
-    for (std::size_t at = key.hash & m_mask;; at = (at + 1) & m_mask) {
+    for (std::size_t at = firstSlot(key);; at = nextSlot(at)) {
       const Slot& slot = m_slots[at];
       if (slot.prefix == key.prefix) return slot.symbol;
       if (!slot.symbol) return nullptr;
@@ -140,13 +149,17 @@ class NamePool {
            std::memcmp(symbol.nameBuffer.data() + prefixLength, word + prefixLength,
                        length - prefixLength) == 0;
   }
+  std::size_t firstSlot(NameKey key) const { return key.hash >> m_shift; }
+  std::size_t nextSlot(std::size_t at) const { return (at + 1) & (m_slots.size() - 1); }
+  void setSlots(std::size_t count);  // a power of two; empty ones
+  std::size_t freeSlot(NameKey key) const;
   void registerPermanentNames();
   void registerPresets();
   void insert(Symbol* symbol, NameKey key);
   void grow();
 
   std::vector<Slot> m_slots;
-  std::size_t m_mask = 0;
+  int m_shift = 0;  // what is left of a hash numbers the slots
   std::size_t m_used = 0;
   std::deque<Symbol> m_symbols;
   std::vector<Symbol*> m_functions;

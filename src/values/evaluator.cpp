@@ -19,38 +19,47 @@ using State = InterpreterState;
 double conditionAssignment(State& state);
 
 // The levels of a condition, from the highest precedence down. Each goes on from its first operand,
-// so that an expression that is a lone primary is done at once.
+// so that an expression that is a lone primary is done at once; what goes on is called only when
+// its operator is there.
 
 // Level 6: the power, joined from the left; its right operand is a primary.
-inline double powerOperand(State& state) {
-  double x = conditionPrimary(state);
-  while (state.scanner.tokenChar == '^') {
-    nextOperand();
+[[gnu::noinline]] double continuePower(State& state, double x) {
+  do {
+    nextOperand(state);
     x = std::pow(x, conditionPrimary(state));
     state.noEcho = false;
-  }
+  } while (state.scanner.tokenChar == '^');
   return x;
 }
 
+inline double powerOperand(State& state) {
+  const double x = conditionPrimary(state);
+  return state.scanner.tokenChar == '^' ? continuePower(state, x) : x;
+}
+
 // Level 5: one sign, which applies to the whole power expression.
-inline double unaryOperand(State& state) {
+[[gnu::noinline]] double signedOperand(State& state) {
   const unsigned char sign = state.scanner.tokenChar;
-  if (sign != '-' && sign != '+') return powerOperand(state);
-  nextOperand();
+  nextOperand(state);
   const double x = powerOperand(state);
   state.noEcho = false;
   return sign == '-' ? -x : x;
 }
 
+inline double unaryOperand(State& state) {
+  const unsigned char sign = state.scanner.tokenChar;
+  return sign == '-' || sign == '+' ? signedOperand(state) : powerOperand(state);
+}
+
 // Level 4.
-inline double continueProduct(State& state, double x) {
+[[gnu::noinline]] double continueProduct(State& state, double x) {
   for (;;) {
     const unsigned char sign = state.scanner.tokenChar;
     if (sign == '*') {
-      nextOperand();
+      nextOperand(state);
       x *= unaryOperand(state);
     } else if (sign == '/') {
-      nextOperand();
+      nextOperand(state);
       const double divisor = unaryOperand(state);
       if (divisor == 0.0) raiseError(ErrorKey::floatingPoint);
       x /= divisor;
@@ -61,20 +70,25 @@ inline double continueProduct(State& state, double x) {
   }
 }
 
-double productOperand(State& state) { return continueProduct(state, unaryOperand(state)); }
+inline double productFrom(State& state, double x) {
+  const unsigned char sign = state.scanner.tokenChar;
+  return sign == '*' || sign == '/' ? continueProduct(state, x) : x;
+}
+
+inline double productOperand(State& state) { return productFrom(state, unaryOperand(state)); }
 
 // Level 3.
-inline double continueSum(State& state, double x) {
+[[gnu::noinline]] double continueSum(State& state, double x) {
   for (;;) {
     const unsigned char sign = state.scanner.tokenChar;
     if (sign == '+') {
-      nextOperand();
+      nextOperand(state);
       x += productOperand(state);
     } else if (sign == '-') {
-      nextOperand();
+      nextOperand(state);
       x -= productOperand(state);
     } else if (sign == '?') {
-      nextOperand();
+      nextOperand(state);
       const double magnitude = std::fabs(productOperand(state));
       x = x < 0.0 ? x - magnitude : x + magnitude;
     } else {
@@ -84,13 +98,18 @@ inline double continueSum(State& state, double x) {
   }
 }
 
-double sumOperand(State& state) { return continueSum(state, productOperand(state)); }
+inline double sumFrom(State& state, double x) {
+  const unsigned char sign = state.scanner.tokenChar;
+  return sign == '+' || sign == '-' || sign == '?' ? continueSum(state, x) : x;
+}
+
+inline double sumOperand(State& state) { return sumFrom(state, productOperand(state)); }
 
 // Level 2: at most one comparison; a second one is left to the caller.
 double continueComparison(State& state, double a) {
   const unsigned char code = state.scanner.operatorCode();
   if (code < OP_LT || code > OP_NE) return a;
-  nextOperand();
+  nextOperand(state);
   const double b = sumOperand(state);
   state.noEcho = false;
   switch (code) {
@@ -110,11 +129,12 @@ double continueComparison(State& state, double a) {
 }
 
 // Level 1: both operands are always evaluated.
-double continueLogic(State& state, double x) {
+[[gnu::noinline]] double continueLogic(State& state, double x) {
+  x = continueComparison(state, x);
   for (;;) {
     const unsigned char code = state.scanner.operatorCode();
     if (code != OP_AND && code != OP_OR) return x;
-    nextOperand();
+    nextOperand(state);
     const double y = continueComparison(state, sumOperand(state));
     x = code == OP_AND ? (x != 0.0 && y != 0.0) : (x != 0.0 || y != 0.0);
     state.noEcho = false;
@@ -125,9 +145,8 @@ inline double conditionLogic(State& state) {
   const Scanner& scanner = state.scanner;
   double x = unaryOperand(state);
   if (endsExpression(scanner.tokenChar)) return x;
-  x = continueSum(state, continueProduct(state, x));
-  if (endsExpression(scanner.tokenChar)) return x;
-  return continueLogic(state, continueComparison(state, x));
+  x = sumFrom(state, productFrom(state, x));
+  return endsExpression(scanner.tokenChar) ? x : continueLogic(state, x);
 }
 
 // A string variable takes a literal or another string by its plain name, too. False when the value
@@ -153,7 +172,7 @@ bool assignedText(State& state, std::string_view name) {
 }
 
 // name = value, the name being the current token and `value` the place behind the `=`.
-double plainAssignment(State& state, const char* value) {
+[[gnu::noinline]] double plainAssignment(State& state, const char* value) {
   const NestingGuard guard;
   Symbol* symbol = state.scanner.symbol;
   const std::string_view name = state.scanner.tokenText;
@@ -170,7 +189,7 @@ double plainAssignment(State& state, const char* value) {
 
 // name[i,j] = value. The indexes are evaluated before the right side, the target is looked up
 // after it.
-double elementAssignment(State& state) {
+[[gnu::noinline]] double elementAssignment(State& state) {
   const NestingGuard guard;
   Symbol* symbol = state.scanner.symbol;
   getToken();
@@ -244,11 +263,11 @@ double matrixOperand(State& state, Symbol& symbol) {
 }
 
 // Ends a float operand: a subscript is out of place.
-inline double floatOperand(State& state, double x) {
-  const char* name = state.scanner.tokenStart;
+inline double floatOperand(double x) {
   endPrimary();
-  if (state.scanner.tokenChar == '[') [[unlikely]]
-    raiseAtName(ErrorKey::matrixNameExpected, name);
+  const Scanner& scanner = interpreter().scanner;
+  if (scanner.tokenChar == '[') [[unlikely]]
+    raiseAtName(ErrorKey::matrixNameExpected, scanner.nameStart);
   return x;
 }
 
@@ -292,15 +311,12 @@ double nameOperand(State& state) {
   Scanner& scanner = state.scanner;
   Symbol* symbol = scanner.symbol;
   switch (scanner.nameKind) {
-    case NameKind::local: {
-      const LocalRecord& record = state.calls.local(scanner.nameIndex);
-      if (record.type == typeFloat) return floatOperand(state, record.value);
+    case NameKind::local:  // a matrix: numbers are the quick way's
       return matrixOperand(state, *symbol);
-    }
     case NameKind::dummy:
-      return floatOperand(state, state.calls.dummy(scanner.nameIndex).value);
+      return floatOperand(state.calls.dummy(scanner.nameIndex).value);
     case NameKind::variable:
-      if (symbol->type == typeFloat) return floatOperand(state, symbol->value);
+      if (symbol->type == typeFloat) return floatOperand(symbol->value);
       return matrixOperand(state, *symbol);
     case NameKind::userFunction:
       return callOperand(state, *symbol);
@@ -323,39 +339,10 @@ double calculatorOperand(State& state) {
   return x;
 }
 
-}  // namespace
-
-void NestingGuard::fail() {
-  --interpreter().nesting;
-  raiseError(ErrorKey::nestingTooDeep);
-  ++interpreter().nesting;
-}
-
-void nextOperand() {
-  getToken();
-  if (interpreter().scanner.tokenChar == ')') [[unlikely]]
-    raiseError(ErrorKey::operatorRepeated);
-}
-
-void endPrimary() {
-  if (getToken() == TOKEN_NAME) [[unlikely]] {
-    rescanToken();
-    raiseError(ErrorKey::operatorMissing);
-  }
-}
-
-double conditionPrimary(InterpreterState& state) {
-  Scanner& scanner = state.scanner;
+// A primary that is neither a number nor a local number.
+[[gnu::noinline]] double otherPrimary(State& state) {
+  const Scanner& scanner = state.scanner;
   switch (scanner.tokenType) {
-    case TOKEN_NUMBER: {
-      double x = scanner.numberValue;
-      if (*scanner.progCursor == '%') {
-        ++scanner.progCursor;
-        x *= 0.01;
-      }
-      endPrimary();
-      return x;
-    }
     case TOKEN_NAME:
       return nameOperand(state);
     case TOKEN_KEYWORD:
@@ -387,6 +374,39 @@ double conditionPrimary(InterpreterState& state) {
   }
   getToken();
   return 0.0;
+}
+
+}  // namespace
+
+void NestingGuard::fail() {
+  --interpreter().nesting;
+  raiseError(ErrorKey::nestingTooDeep);
+  ++interpreter().nesting;
+}
+
+void refuseOperand() { raiseError(ErrorKey::operatorRepeated); }
+
+void refuseName() {
+  rescanToken();
+  raiseError(ErrorKey::operatorMissing);
+}
+
+double conditionPrimary(InterpreterState& state) {
+  Scanner& scanner = state.scanner;
+  if (scanner.tokenType == TOKEN_NUMBER) {
+    double x = scanner.numberValue;
+    if (*scanner.progCursor == '%') [[unlikely]] {
+      ++scanner.progCursor;
+      x *= 0.01;
+    }
+    endPrimary();
+    return x;
+  }
+  if (scanner.tokenType == TOKEN_NAME && scanner.nameKind == NameKind::local) {
+    const LocalRecord& record = state.calls.local(scanner.nameIndex);
+    if (record.type == typeFloat) return floatOperand(record.value);
+  }
+  return otherPrimary(state);
 }
 
 Matrix* matrixOf(const Symbol& symbol) {

@@ -9,10 +9,19 @@
 
 namespace vexa {
 
+void refuseOperand();
+void refuseName();
 // Reads the token after a binary or unary operator; a closing parenthesis there raises key 60.
-void nextOperand();
+inline void nextOperand(const InterpreterState& state) {
+  getToken();
+  if (state.scanner.tokenChar == ')') [[unlikely]]
+    refuseOperand();
+}
 // Takes the token after a primary; a name there is put back and raises key 62.
-void endPrimary();
+inline void endPrimary() {
+  if (getToken() == TOKEN_NAME) [[unlikely]]
+    refuseName();
+}
 // A condition's primary: number, name, element, call, parenthesised condition.
 double conditionPrimary(InterpreterState& state);
 

@@ -307,7 +307,7 @@ void rightOperand(State& state, const Value& left, Value& right, Level level) {
 // What follows `^`: `-1` after a matrix in matrix mode, otherwise a primary.
 void valueExponent(State& state, Value& value) {
   const Scanner& scanner = state.scanner;
-  nextOperand();
+  nextOperand(state);
   if (value.isMatrix() && state.mode == '!' && scanner.tokenChar == '-') {
     getToken();
     if (scanner.tokenType != TOKEN_NUMBER || scanner.numberValue != 1.0)
@@ -333,7 +333,7 @@ void valuePower(State& state, Value& value) {
         endPrimary();
         break;
       case OP_AMP_POW: {
-        nextOperand();
+        nextOperand(state);
         Value exponent;
         rightOperand(state, value, exponent, valuePrimary);
         applyElementPower(value, exponent);
@@ -351,7 +351,7 @@ void valueUnary(State& state, Value& value) {
     valuePower(state, value);
     return;
   }
-  nextOperand();
+  nextOperand(state);
   valuePower(state, value);
   if (sign == '-') applyNegation(value);
 }
@@ -376,7 +376,7 @@ void valueProduct(State& state, Value& value) {
       default:
         return;
     }
-    nextOperand();
+    nextOperand(state);
     Value right;
     rightOperand(state, value, right, valueUnary);
     applyBinary(value, op, right, state.mode);
@@ -388,7 +388,7 @@ void valueSum(State& state, Value& value) {
   for (;;) {
     const unsigned char sign = state.scanner.tokenChar;
     if (sign != '+' && sign != '-' && sign != '?') return;
-    nextOperand();
+    nextOperand(state);
     Value right;
     rightOperand(state, value, right, valueProduct);
     if (sign == '?')

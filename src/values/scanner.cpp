@@ -92,6 +92,18 @@ constexpr std::array<TokenType, 256> loneTypes = [] {
   return types;
 }();
 
+// Past an indentation, in long steps first; the padding of the text ends it.
+inline const char* pastIndentation(const char* at) {
+  constexpr std::uint64_t blanks = 0x2020202020202020;
+  for (std::uint64_t bytes;; at += sizeof bytes) {
+    std::memcpy(&bytes, at, sizeof bytes);
+    if (bytes != blanks) break;
+  }
+  while (*at == ' ') ++at;
+  while (isCharacter(*at, charBlank)) ++at;
+  return at;
+}
+
 // What the entry of a name means where nothing nearer hides it, by category.
 constexpr NameKind entryKinds[] = {NameKind::unknown,  NameKind::unknown,      NameKind::unknown,
                                    NameKind::variable, NameKind::userFunction, NameKind::builtin};
@@ -126,7 +138,7 @@ inline void classify(const CallStack& calls, Scanner& scanner, Symbol* symbol) {
   scanner.tokenType = TOKEN_NAME;
   scanner.nameKind = NameKind::unknown;
   scanner.symbol = nullptr;
-  scanner.tokenText = scanner.tokenText.substr(0, literalLimit);
+  scanner.tokenText = lastNameText();
   raiseError(ErrorKey::tooLong, scanner.tokenText);
 }
 
@@ -148,7 +160,6 @@ inline TokenType scanName(const InterpreterState& state, Scanner& scanner, const
   const auto length = static_cast<std::size_t>(end - start);
   scanner.progCursor = end;
   scanner.nameStart = start;
-  scanner.nameLength = length;
   if (length >= prefixLength) return scanLongName(state, scanner, start, length);
   scanner.tokenText = {start, length};
   classify(state.calls, scanner, state.names.findShort(nameKeyOfPadded(start, length)));
@@ -159,7 +170,6 @@ inline TokenType scanName(const InterpreterState& state, Scanner& scanner, const
 [[gnu::noinline]] TokenType scanMarkName(Scanner& scanner, const char* at) {
   scanner.tokenType = TOKEN_NAME;
   scanner.nameStart = at;
-  scanner.nameLength = 1;
   scanner.tokenText = {at, 1};
   scanner.tokenChar = static_cast<unsigned char>(*at);
   scanner.symbol = interpreter().names.find(scanner.tokenText);
@@ -203,31 +213,30 @@ constexpr double powersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
   return TOKEN_NUMBER;
 }
 
+// The digits from `at` on, appended to a whole number that wraps when there are too many.
+inline const char* appendDigits(const char* at, std::int64_t& digits) {
+  for (unsigned digit; (digit = static_cast<unsigned char>(*at) - unsigned{'0'}) <= 9; ++at)
+    digits = static_cast<std::int64_t>(10 * static_cast<std::uint64_t>(digits) + digit);
+  return at;
+}
+
 // Up to fifteen digits with at most one point among them: the digits as a whole number and the
 // power of ten are exact, so one division rounds correctly.
 TokenType scanNumber(Scanner& scanner, const char* start) {
   constexpr int exactDigits = 15;
-  const char* at = start;
-  if (isCharacter(*at, charDigit) && !isCharacter(at[1], charWordPart)) {
-    scanner.tokenType = TOKEN_NUMBER;
-    scanner.tokenText = {start, 1};
-    scanner.numberValue = *at - '0';
-    scanner.progCursor = at + 1;
-    return TOKEN_NUMBER;
-  }
-  std::uint64_t digits = 0;
-  for (; isCharacter(*at, charDigit); ++at)
-    digits = 10 * digits + static_cast<std::uint64_t>(*at - '0');
+  std::int64_t digits = 0;
+  const char* at = appendDigits(start, digits);
   double value = static_cast<double>(digits);
-  if (*at == '.') {
-    const char* fraction = ++at;
-    for (; isCharacter(*at, charDigit); ++at)
-      digits = 10 * digits + static_cast<std::uint64_t>(*at - '0');
-    if (at - fraction > exactDigits) return scanLongNumber(scanner, start);
-    value = static_cast<double>(digits) / powersOfTen[at - fraction];
+  if (isCharacter(*at, charWordPart)) {
+    if (*at == '.') {
+      const char* fraction = at + 1;
+      at = appendDigits(fraction, digits);
+      if (at - fraction > exactDigits) return scanLongNumber(scanner, start);
+      value = static_cast<double>(digits) / powersOfTen[at - fraction];
+    }
+    if (*at == '.' || *at == 'e' || *at == 'E') return scanLongNumber(scanner, start);
   }
-  if (at - start > exactDigits || *at == '.' || *at == 'e' || *at == 'E')
-    return scanLongNumber(scanner, start);
+  if (at - start > exactDigits) return scanLongNumber(scanner, start);
   scanner.tokenType = TOKEN_NUMBER;
   scanner.tokenText = {start, static_cast<std::size_t>(at - start)};
   scanner.numberValue = value;
@@ -353,6 +362,7 @@ void clearToken(Scanner& scanner) {
   return scanner.tokenType;
 }
 
+TokenType scanFromSlash(const InterpreterState& state, Scanner& scanner, const char* at);
 TokenType scanFromComment(const InterpreterState& state, Scanner& scanner, const char* at);
 
 // One token from `at` on, behind white space and comments. Everything that is not usual is a call
@@ -360,7 +370,8 @@ TokenType scanFromComment(const InterpreterState& state, Scanner& scanner, const
 [[gnu::always_inline]] inline TokenType scanFrom(const InterpreterState& state, Scanner& scanner,
                                                  const char* at) {
   for (;;) {
-    const std::uint8_t kind = characterClasses[static_cast<unsigned char>(*at)];
+    const auto c = static_cast<unsigned char>(*at);
+    const std::uint8_t kind = characterClasses[c];
     if (kind & charLetter) {
       scanner.tokenStart = at;
       return scanName(state, scanner, at);
@@ -372,24 +383,17 @@ TokenType scanFromComment(const InterpreterState& state, Scanner& scanner, const
     }
     if (kind & charLone) {
       scanner.tokenStart = at;
-      scanner.tokenType = loneTypes[static_cast<unsigned char>(*at)];
       scanner.tokenText = {at, 1};
-      scanner.tokenChar = static_cast<unsigned char>(*at);
+      scanner.tokenChar = c;
       scanner.progCursor = at + 1;
-      return scanner.tokenType;
+      return scanner.tokenType = loneTypes[c];
     }
     if (kind & charDigit) {
       scanner.tokenStart = at;
       return scanNumber(scanner, at);
     }
     if (kind & charPunctuation) {
-      if (*at == '/') {
-        if (isSuffixTail(at + 1)) {
-          at += lineSuffixLength;
-          continue;
-        }
-        if (at[1] == '*' || at[1] == '/') return scanFromComment(state, scanner, at);
-      }
+      if (c == '/') return scanFromSlash(state, scanner, at);
       scanner.tokenStart = at;
       scanner.progCursor = at;
       return scanPunctuation(scanner, at);
@@ -398,7 +402,16 @@ TokenType scanFromComment(const InterpreterState& state, Scanner& scanner, const
   }
 }
 
-// The same where a comment may begin; any number of comments may follow each other.
+// The same from a slash on: a line suffix, a division or any number of comments.
+[[gnu::noinline]] TokenType scanFromSlash(const InterpreterState& state, Scanner& scanner,
+                                          const char* at) {
+  if (!isSuffixTail(at + 1)) return scanFromComment(state, scanner, at);
+  // A loop, for there may be many empty lines.
+  do at = pastIndentation(at + lineSuffixLength);
+  while (*at == '/' && isSuffixTail(at + 1));
+  return scanFrom(state, scanner, at);
+}
+
 [[gnu::noinline]] TokenType scanFromComment(const InterpreterState& state, Scanner& scanner,
                                             const char* at) {
   if (!startsComment(at)) {
@@ -432,7 +445,7 @@ TokenType scanFromComment(const InterpreterState& state, Scanner& scanner, const
 TokenType getToken() {
   InterpreterState& state = interpreter();
   Scanner& scanner = state.scanner;
-  if (--scanner.interruptCountdown <= 0) [[unlikely]]
+  if (--scanner.interruptCountdown == 0) [[unlikely]]
     return getTokenAfterPoll(scanner);
   scanner.tokenChar = noTokenChar;
   scanner.tokenCode = classNone;
@@ -459,6 +472,13 @@ void putBack() {
 void rescanToken() {
   Scanner& scanner = interpreter().scanner;
   scanner.progCursor = scanner.tokenStart;
+}
+
+std::string_view lastNameText() {
+  const char* start = interpreter().scanner.nameStart;
+  const char* end = start;
+  while (isCharacter(*end, charNamePart) && end - start < literalLimit) ++end;
+  return {start, static_cast<std::size_t>(end - start)};
 }
 
 NameKind lookUpName(std::string_view word) {

@@ -80,11 +80,10 @@ enum class NameKind : std::uint8_t {
 struct Scanner {
   const char* progCursor = nullptr;
   const char* tokenStart = nullptr;
-  const char* nameStart = nullptr;
+  const char* nameStart = nullptr;  // of the last name read
   // The current token: a view into the program text, or of `literal` for a quoted token, or of the
   // operator codes.
   std::string_view tokenText;
-  std::size_t nameLength = 0;
   TokenType tokenType = TOKEN_NONE;
   int tokenCode = classNone;
   unsigned char tokenChar = noTokenChar;
@@ -96,7 +95,6 @@ struct Scanner {
   int interruptCountdown = 512;
   std::array<char, literalLimit + 1> literal{};
 
-  std::string_view lastNameText() const { return {nameStart, nameLength}; }
   bool atEnd() const {
     // The text first: comparing type and code at once would wait for both stores of the scanner.
     return tokenText.empty() && tokenCode == FINISHED && tokenType == TOKEN_DELIMITER;
@@ -116,6 +114,9 @@ TokenType getToken();
 void putBack();
 // Sets the cursor back to the start of the current token: always exact.
 void rescanToken();
+
+// The text of the last name read, for messages; its first literalLimit characters when it is long.
+std::string_view lastNameText();
 
 // Classifies a word as the scanner would, setting the look-up results.
 NameKind lookUpName(std::string_view word);

@@ -104,7 +104,7 @@ class BadInputTest(CommandLineTest):
         self.check(self.run_soon("p.vxp"), "", message, 2)
         self.write("p.vxp", "\n" * 5000000)
         self.check(self.run_soon("p.vxp"), "", message, 2)
-        self.write("p.vxp", "\n" * 99998 + "main() { print(1); }\n")
+        self.write("p.vxp", "\n\t\n /* */\n" * 33332 + "\n\nmain() { print(1); }\n")
         self.check(self.run_soon("p.vxp"), "           1")
 
     def test_200000_nested_brackets(self):

@@ -152,6 +152,7 @@ class TerminalReplTest(CommandLineTest):
         terminal.send("\t")
         for name in ("bessi", "bessj", "bessk", "bessy"):
             terminal.expect(name)
+        terminal.expect(PROMPT + b"bess")  # the line again, below the names
         terminal.send("\3")
         terminal.expect(PROMPT)
         terminal.send("\4")
