@@ -1,7 +1,9 @@
 #include "values/matrix.h"
 
+#include <sys/mman.h>
 #include <unistd.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <new>
 #include <utility>
@@ -36,6 +38,16 @@ std::uint64_t blockBytes(int rows, int cols) {
          (static_cast<std::uint64_t>(rows) + 1) * sizeof(double*);
 }
 
+// Asks for large pages inside a large block: the first touch of ordinary ones can cost more than
+// the work on the elements. Nothing depends on the answer.
+void preferLargePages(void* block, std::uint64_t bytes) {
+  constexpr std::uint64_t largePage = std::uint64_t{1} << 21;
+  const auto start = reinterpret_cast<std::uintptr_t>(block);
+  const std::uintptr_t first = (start + largePage - 1) / largePage * largePage;
+  const std::uintptr_t last = (start + bytes) / largePage * largePage;
+  if (last > first) madvise(reinterpret_cast<void*>(first), last - first, MADV_HUGEPAGE);
+}
+
 }  // namespace
 
 void setMatrixMemoryLimit(std::uint64_t bytes) { accounting().limit = bytes; }
@@ -53,6 +65,7 @@ bool Matrix::reshape(int rows, int cols) {
   if (bytes > memory.limit || memory.inUse > memory.limit - bytes) return false;
   void* allocation = std::calloc(bytes, 1);
   if (!allocation) return false;
+  preferLargePages(allocation, bytes);
   release();
   memory.inUse += bytes;
   m_block = static_cast<double*>(allocation);
