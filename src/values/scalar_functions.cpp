@@ -6,6 +6,7 @@
 #include <span>
 
 #include "interp/interpreter_state.h"
+#include "numlib/special/elementary_functions.h"
 #include "numlib/special/gamma.h"
 #include "numlib/special/rounding.h"
 #include "values/argument_readers.h"
@@ -32,6 +33,15 @@ double factorialOf(double x) {
   return factorial(static_cast<int>(n));
 }
 
+// A function that has a loop over whole vectors, which gives the same bits.
+struct VectorFunction {
+  double (*value)(double);
+  ElementaryLoop* ElementaryLoops::*loop;
+  double factor;
+
+  double operator()(double x) const { return value(x * factor); }
+};
+
 // Hands the function of a built-in to `use`, so that it is chosen once for all elements. The
 // argument of the angle functions and the result of their inverses are in the user's units.
 template <class Use>
@@ -42,9 +52,9 @@ double withFunction(int builtin, int digits, Use use) {
     case builtinCode("abs"):
       return use([](double x) { return std::fabs(x); });
     case builtinCode("sin"):
-      return use([=](double x) { return std::sin(x * toRadians); });
+      return use(VectorFunction{sine, &ElementaryLoops::sine, toRadians});
     case builtinCode("cos"):
-      return use([=](double x) { return std::cos(x * toRadians); });
+      return use(VectorFunction{cosine, &ElementaryLoops::cosine, toRadians});
     case builtinCode("tan"):
       return use([=](double x) { return std::tan(x * toRadians); });
     case builtinCode("asin"):
@@ -60,7 +70,7 @@ double withFunction(int builtin, int digits, Use use) {
     case builtinCode("tanh"):
       return use([](double x) { return std::tanh(x); });
     case builtinCode("exp"):
-      return use([](double x) { return std::exp(x); });
+      return use(VectorFunction{exponential, &ElementaryLoops::exponential, 1.0});
     case builtinCode("sqrt"):
       return use([](double x) { return std::sqrt(x); });
     case builtinCode("floor"):
@@ -68,7 +78,7 @@ double withFunction(int builtin, int digits, Use use) {
     case builtinCode("ceil"):
       return use([](double x) { return std::ceil(x); });
     case builtinCode("ln"):
-      return use([](double x) { return std::log(x); });
+      return use(VectorFunction{naturalLogarithm, &ElementaryLoops::naturalLogarithm, 1.0});
     case builtinCode("log10"):
       return use([](double x) { return std::log10(x); });
     case builtinCode("erf"):
@@ -86,21 +96,25 @@ double withFunction(int builtin, int digits, Use use) {
   }
 }
 
-// Replaces every element by its function value, in stretches between which an interrupt is heard.
 template <class Function>
-void applyToElements(std::span<double> elements, Function function) {
-  while (!elements.empty()) {
-    const auto stretch = elements.first(std::min(elements.size(), elementsBetweenPolls));
-    for (double& x : stretch) x = function(x);
-    elements = elements.subspan(stretch.size());
-    if (!elements.empty()) pollInterrupt();
-  }
+void fill(std::span<const double> from, double* to, Function function) {
+  std::ranges::transform(from, to, function);
 }
 
-// Apart from the handler, whose frame stands once for every level of nested calls.
-[[gnu::noinline]] void applyToMatrix(int builtin, int digits, Matrix& matrix) {
-  withFunction(builtin, digits, [&matrix](auto function) {
-    applyToElements(matrix.elements(), function);
+void fill(std::span<const double> from, double* to, const VectorFunction& function) {
+  (elementaryLoops().*function.loop)(from.data(), function.factor, to, from.size());
+}
+
+// `to` may be `from`. An interrupt is heard between stretches. Apart from the handler, whose frame
+// stands once for every level of nested calls.
+[[gnu::noinline]] void applyToElements(int builtin, int digits, std::span<const double> from,
+                                       std::span<double> to) {
+  withFunction(builtin, digits, [from, to](auto function) {
+    for (std::size_t start = 0; start < from.size(); start += elementsBetweenPolls) {
+      if (start > 0) pollInterrupt();
+      const std::size_t length = std::min(from.size() - start, elementsBetweenPolls);
+      fill(from.subspan(start, length), to.data() + start, function);
+    }
     return 0.0;
   });
 }
@@ -109,22 +123,17 @@ void applyToElements(std::span<double> elements, Function function) {
   return withFunction(builtin, digits, [x](auto function) { return function(x); });
 }
 
-// A `!` expression, its mark being the current token. A temporary serves as the result; a variable
-// is copied first.
+// A `!` expression, its mark being the current token. A temporary serves as its own result.
 double functionOfMatrix(int builtin, int digits) {
   Value value;
   evalMatrixExpression(value, '!', true);
   rescanToken();
   expectChar(')');
   if (!value.matrix) return 0.0;
-  Matrix* result = value.matrix;
-  if (!value.tempMark) {
-    const Matrix& source = *value.matrix;
-    result = newTempMatrix(source.rows(), source.cols());
-    if (!result) return 0.0;
-    std::ranges::copy(source.elements(), result->elements().begin());
-  }
-  applyToMatrix(builtin, digits, *result);
+  const Matrix& source = *value.matrix;
+  Matrix* result = value.tempMark ? value.matrix : newTempMatrix(source.rows(), source.cols());
+  if (!result) return 0.0;
+  applyToElements(builtin, digits, source.elements(), result->elements());
   setBuiltinResult(result);
   interpreter().noEcho = false;
   return result->size() == 1 ? result->at(1, 1) : 0.0;
