@@ -11,6 +11,7 @@
 #include "interp/interpreter_state.h"
 #include "interp/message_box.h"
 #include "numlib/eigen/eigen_builtins.h"
+#include "numlib/finance/finance_builtins.h"
 #include "numlib/interpolation/interpolation_builtins.h"
 #include "numlib/linear/linear_builtins.h"
 #include "numlib/random/random_builtins.h"
@@ -124,6 +125,8 @@ constexpr Group groups[] = {
     {svdBuiltin, "svd"},
     {svsolveBuiltin, "svsolve"},
     {interpolationBuiltin, "hermint hermit lint polint ratint"},
+    {moneyBuiltin, "cumipmt cumprinc fv intrate ipmt irr nper npv pmt ppmt pv xirr xnpv"},
+    {dateBuiltin, "date2serial serial2date"},
 };
 
 // Groups whose handler is still to come.
@@ -155,10 +158,7 @@ constexpr std::string_view laterGroups[] = {
     "betainc",
     "correlation ftest studente studentp studentu",
     "deletecol deleterow insertcol insertrow",
-    "cumipmt cumprinc fv intrate ipmt irr nper npv pmt ppmt pv xirr xnpv",
     "movingaverage",
-    "date2serial serial2date",
-
     // Plotting.
     "project",
     "poly2bezier",
