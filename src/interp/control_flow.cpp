@@ -28,13 +28,6 @@ double readPart() {
   return x;
 }
 
-void expectCurrent(const Scanner& scanner, char c) {
-  if (scanner.tokenChar == static_cast<unsigned char>(c)) [[likely]]
-    return;
-  rescanToken();
-  expectChar(c);
-}
-
 // True when `else` is the next token, which is consumed; otherwise the class is made neutral, so
 // that what merely follows an `if` is not taken for what ran in it.
 bool acceptElse(Scanner& scanner) {

@@ -21,15 +21,20 @@ namespace {
 constexpr std::uint8_t pivotCompanionTag = 'I';
 
 // The frames to show: those of what runs now, otherwise those that the last failed run left.
+bool showsLiveCalls(const InterpreterState& state) {
+  return state.running || state.calls.depth() > 0;
+}
+
 const CallStack& shownCalls() {
   const InterpreterState& state = interpreter();
-  return state.running || state.calls.depth() > 0 ? state.calls : state.faultCalls;
+  return showsLiveCalls(state) ? state.calls : state.faultCalls;
 }
 
 // The line of a position that a frame remembers. The text of a calculator line may be gone by now,
 // so only positions inside the program are looked at.
 int lineInProgram(const char* position) {
-  const auto& text = interpreter().programText;
+  const InterpreterState& state = interpreter();
+  const auto& text = showsLiveCalls(state) ? state.programText : state.faultText;
   if (!text || !position) return -1;
   const std::less_equal<> notAfter;
   if (!notAfter(text->data(), position) || !notAfter(position, text->data() + text->size()))

@@ -78,7 +78,9 @@ struct InterpreterState {
   Scanner scanner;
   NamePool names;
   CallStack calls;
-  CallStack faultCalls;  // what the last failed run left, for the data views
+  // What the last failed run left, for the data views, and the text that its frames point into.
+  CallStack faultCalls;
+  std::shared_ptr<const std::string> faultText;
   char mode = 0;         // '!' matrix, '@' complex, 0 plain
   int nesting = 0;
 

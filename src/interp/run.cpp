@@ -67,6 +67,7 @@ void registerFunction(State& state, std::string_view name, char mark, LineFinder
 // What a failed run leaves is kept for the data views; the live stack is empty again.
 void keepFaultedCalls(State& state) {
   state.calls.moveTo(state.faultCalls);
+  state.faultText = state.programText;
   state.tempMatrices.moveAll(
       [&state](std::unique_ptr<Matrix> matrix) { state.faultCalls.keep(std::move(matrix)); });
 }
@@ -187,6 +188,7 @@ void resetInterpreterState() {
   // Frames and locals borrow names and matrices, so they go before the tables.
   state.calls.clear();
   state.faultCalls.clear();
+  state.faultText.reset();
   state.names.resetForRun();
   state.tempMatrices.clear();
   state.tempVectors.clear();

@@ -18,6 +18,13 @@ namespace vexa {
 // quote key 26, parentheses 30, `,` 33, `:` 15, `;` 29, square brackets 32, braces 31, else 34.
 // Accepts anything during a program update.
 void expectChar(char c);
+// The same for a character that should be the current token.
+inline void expectCurrent(const Scanner& scanner, char c) {
+  if (scanner.tokenChar == static_cast<unsigned char>(c)) [[likely]]
+    return;
+  rescanToken();
+  expectChar(c);
+}
 // Raises the error that belongs to an expected character.
 void raiseExpected(char c);
 // True, and the token consumed, when the next token is the delimiter c; otherwise the cursor stays.

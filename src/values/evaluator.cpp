@@ -500,10 +500,7 @@ Indexes parseIndexesFromBracket() {
   Indexes at;
   at.i = readIndex();
   if (scanner.tokenChar == ',') at.j = readIndex();
-  if (scanner.tokenChar != ']') {
-    rescanToken();
-    expectChar(']');
-  }
+  expectCurrent(scanner, ']');
   return at;
 }
 

@@ -60,12 +60,6 @@ IndexRange readRange(const Scanner& scanner) {
   return range;
 }
 
-void expectCurrent(const Scanner& scanner, char c) {
-  if (scanner.tokenChar == static_cast<unsigned char>(c)) return;
-  rescanToken();
-  expectChar(c);
-}
-
 // The bracket that opens the part is the current token; the cursor is behind the closing one then.
 MatrixPart readPart(State& state) {
   const PlainMode plain;

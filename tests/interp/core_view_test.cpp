@@ -75,9 +75,12 @@ TEST(CoreView, ShowsFramesAndLocalsThatAFaultLeft) {
   EXPECT_THAT(describe(session.view.globals()), ElementsAre("g = 1.5", "big[2,2]"));
   EXPECT_EQ(describe(session.view.variable("g").value()), "g = 2.5");
 
-  // Calculating sees globals only, and leaves what the fault left.
+  // Calculating sees globals only, and leaves what the fault left, as does another program text.
   EXPECT_EQ(session.evaluate("g"), "         1.5\n");
-  EXPECT_EQ(session.view.frames().size(), 3u);
+  session.program.setText("main() { }");
+  EXPECT_TRUE(CoreCommands().setProgram(session.program));
+  EXPECT_THAT(describe(session.view.frames()),
+              ElementsAre("3 inner at 17", "2 middle at 12", "1 main at 6"));
   session.run("main() { }");
   EXPECT_THAT(session.view.frames(), IsEmpty());
   EXPECT_THAT(describe(session.view.globals()), IsEmpty());
