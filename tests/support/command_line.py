@@ -15,6 +15,10 @@ from runner import vexa_path
 
 LIMIT = 60  # seconds until a command counts as hanging
 
+# The superuser may read every file; the same without that right.
+WITHOUT_PRIVILEGE = ([] if os.geteuid() else
+                     ["setpriv", "--bounding-set=-dac_override,-dac_read_search"])
+
 
 def sanitized():
     """Whether vexa is built with checks of addresses, which take the whole address space."""
@@ -42,8 +46,10 @@ class CommandLineTest(unittest.TestCase):
         environment.update(changes or {})
         return environment
 
-    def vexa(self, *arguments, stdin=b"", environment=None, memory=None, **options):
-        """Runs vexa and gives the completed process; memory bounds its address space."""
+    def vexa(self, *arguments, stdin=b"", environment=None, memory=None, wrapper=(),
+             **options):
+        """Runs vexa, through a wrapper command if there is one, and gives the completed process;
+        memory bounds its address space."""
         def bound():
             resource.setrlimit(resource.RLIMIT_AS, (memory, memory))
 
@@ -52,8 +58,8 @@ class CommandLineTest(unittest.TestCase):
         else:
             options["stdin"] = stdin
         options.setdefault("stdout", subprocess.PIPE)
-        return subprocess.run([vexa_path(), *arguments], stderr=subprocess.PIPE, timeout=LIMIT,
-                              cwd=self.folder, env=self.environment(environment),
+        return subprocess.run([*wrapper, vexa_path(), *arguments], stderr=subprocess.PIPE,
+                              timeout=LIMIT, cwd=self.folder, env=self.environment(environment),
                               preexec_fn=bound if memory and not sanitized() else None, **options)
 
     def check(self, done, out=b"", err=b"", status=0):
