@@ -22,6 +22,7 @@
 #include "values/form_builtin.h"
 #include "values/message_builtins.h"
 #include "values/print_builtins.h"
+#include "values/row_column_builtins.h"
 #include "values/run_options.h"
 #include "values/scalar_functions.h"
 #include "values/text_string.h"
@@ -86,6 +87,7 @@ constexpr Group groups[] = {
     {defmatBuiltin, "defmat defsym"},
     {orderBuiltin, "resizemat unit zero zeronew"},
     {subopBuiltin, "subop"},
+    {rowColumnBuiltin, "deletecol deleterow insertcol insertrow"},
     {mantissaBuiltin, "mantissa"},
     {viewBuiltin, "view select debugview"},
     {sizeBuiltin, "ncol nrow"},
@@ -120,6 +122,7 @@ constexpr Group groups[] = {
     {tmultBuiltin, "tmult"},
     {cmultBuiltin, "cmult"},
     {bandfBuiltin, "bandf"},
+    {frameBuiltin, "frame"},
     {trisolvBuiltin, "trisolv"},
     {eigenBuiltin, "eigen"},
     {svdBuiltin, "svd"},
@@ -134,7 +137,6 @@ constexpr std::string_view laterGroups[] = {
     // Scalar mathematical functions with two arguments.
     "atan2 beta binom ellipe ellipf ellipi gammainc gez hcoc hcos hsoc hsos hypot mod sign",
     // Numerical library.
-    "frame",
     "cabs ccos cexp cln csin csqrt ctan ptor rtop",
     "roots",
     "gausspt",
@@ -157,7 +159,6 @@ constexpr std::string_view laterGroups[] = {
     "polycoe",
     "betainc",
     "correlation ftest studente studentp studentu",
-    "deletecol deleterow insertcol insertrow",
     "movingaverage",
     // Plotting.
     "project",
