@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 
-#include "graphics/plot/plot_target.h"
 #include "interp/message_box.h"
 #include "interp/program_text.h"
 #include "interp/run.h"
@@ -346,7 +345,6 @@ void CoreCommands::documentClosed(const void* document) {
        {&state.programDocument, &state.outputDocument, &state.defaultOutputDocument})
     if (*reference == document) *reference = nullptr;
   if (!state.outputDocument) state.outputChosen = false;
-  forgetDrawing(document);
 }
 
 }  // namespace vexa

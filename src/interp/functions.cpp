@@ -161,6 +161,18 @@ void evaluateArguments(State& state, ArgumentList& arguments, CallLine& line) {
   line.finish();
 }
 
+void takeArguments(std::span<const CallArgument> supplied, ArgumentList& arguments,
+                   CallLine& line) {
+  for (const CallArgument& argument : supplied) {
+    if (argument.matrix)
+      arguments.addMatrix(argument.matrix, false);
+    else
+      arguments.addValue(argument.value);
+    line.add(arguments[arguments.count() - 1]);
+  }
+  line.finish();
+}
+
 // One record per argument, from the last to the first, so that the first lies on top.
 void makeRecords(CallStack& calls, const ArgumentList& arguments) {
   for (int i = arguments.count() - 1; i >= 0; --i) {
@@ -254,9 +266,12 @@ void writeTraceLine(const State& state, std::string_view mark, std::string_view 
   writeOutput(line, lineWhole);
 }
 
-// Runs the function between its entry and return lines. `main` has no argument list to read and so
-// no row in the list of calls.
-void callTrace(State& state, Symbol& function, bool isMain) {
+enum class Caller { text, builtin, start };
+
+// Runs the function between its entry and return lines. The arguments are read from the text or
+// `supplied` by a built-in; `main` has none, and no row in the list of calls.
+void callTrace(State& state, Symbol& function, Caller kind,
+               std::span<const CallArgument> supplied = {}) {
   Symbol* caller = state.currentFunction;
   Symbol* callersCaller = state.callerFunction;
   const char returnPending = state.returnPending;
@@ -269,8 +284,11 @@ void callTrace(State& state, Symbol& function, bool isMain) {
   const char* callSite = state.scanner.progCursor;
   {
     ArgumentList arguments;
-    CallLine line(state, function, isMain);
-    if (!isMain) evaluateArguments(state, arguments, line);
+    CallLine line(state, function, kind == Caller::start);
+    if (kind == Caller::text)
+      evaluateArguments(state, arguments, line);
+    else
+      takeArguments(supplied, arguments, line);
     runBody(state, function, arguments, callSite, line.take());
     arguments.freeTemporaries();
   }
@@ -297,10 +315,29 @@ void callUserFunction(Symbol& function) {
   }
   const NestingGuard guard;
   const PlainMode plain;
-  callTrace(state, function, false);
+  callTrace(state, function, Caller::text);
 }
 
-void callMain(Symbol& function) { callTrace(interpreter(), function, true); }
+double callUserFunction(Symbol& function, std::span<const CallArgument> arguments) {
+  State& state = interpreter();
+  if (!function.position) {
+    raiseError(ErrorKey::functionNotDefined);
+    return 0.0;
+  }
+  const NestingGuard guard;
+  const PlainMode plain;
+  callTrace(state, function, Caller::builtin, arguments);
+  return returnedNumber();
+}
+
+double returnedNumber() {
+  const State& state = interpreter();
+  const Matrix* matrix = state.returnMatrix;
+  if (!matrix) return state.returnValue;
+  return matrix->size() == 1 && !matrix->isString() ? matrix->at(1, 1) : 0.0;
+}
+
+void callMain(Symbol& function) { callTrace(interpreter(), function, Caller::start); }
 
 namespace {
 
@@ -357,18 +394,29 @@ void executeReturn() {
   scanner.tokenCode = classReturn;
 }
 
-int declareDummy() {
-  State& state = interpreter();
+bool checkDummyName() {
+  const State& state = interpreter();
   const Scanner& scanner = state.scanner;
   if (scanner.tokenType != TOKEN_NAME || scanner.tokenChar != noTokenChar) {
     raiseError(ErrorKey::variableNameExpected);
-    return -1;
+    return false;
   }
-  Symbol* symbol = scanner.symbol ? scanner.symbol : state.names.intern(scanner.tokenText);
-  if (symbol->localTop >= state.calls.localsBase()) raiseError(ErrorKey::dummyDuplicatesLocal);
-  if (symbol->category == Category::userFunction || symbol->category == Category::builtin)
+  const Symbol* symbol = scanner.symbol;
+  if (!symbol) return true;
+  if (symbol->localTop >= state.calls.localsBase()) {
+    raiseError(ErrorKey::dummyDuplicatesLocal);
+    return false;
+  }
+  if (symbol->category == Category::userFunction || symbol->category == Category::builtin) {
     reportCategory(*symbol);
-  return state.calls.pushDummy(symbol);
+    return false;
+  }
+  return true;
+}
+
+int declareDummy(std::string_view name) {
+  State& state = interpreter();
+  return state.calls.pushDummy(state.names.intern(name));
 }
 
 }  // namespace vexa

@@ -273,10 +273,7 @@ inline double floatOperand(double x) {
 
 double callOperand(State& state, Symbol& function) {
   callUserFunction(function);
-  const Matrix* matrix = state.returnMatrix;
-  const double x = !matrix                                      ? state.returnValue
-                   : matrix->size() == 1 && !matrix->isString() ? matrix->at(1, 1)
-                                                                : 0.0;
+  const double x = returnedNumber();
   endPrimary();
   state.noEcho = false;
   return x;

@@ -10,6 +10,7 @@
 #include "interp/message_box.h"
 #include "values/argument_readers.h"
 #include "values/calculator.h"
+#include "values/numeric_arguments.h"
 #include "values/value_builtins.h"
 
 namespace vexa {
@@ -47,12 +48,6 @@ void viewVariables(DataRequest::Mode mode) {
   do names.push_back(readVariableName());
   while (moreArguments());
   for (const std::string& name : names) shell().viewData({mode, name});
-}
-
-// A preset global keeps its meaning whatever locals a program declares.
-void setPreset(std::string_view name, double x) {
-  Symbol* symbol = interpreter().names.find(name);
-  if (symbol && symbol->isGlobal() && symbol->type == typeFloat) symbol->value = x;
 }
 
 // The name of a matrix variable, with or without a mark; key 59 for anything else.

@@ -52,6 +52,12 @@ const Matrix* commonOrder(std::span<const ElementwiseNumber> arguments) {
   return first;
 }
 
+// A preset global keeps its meaning whatever locals a program declares.
+Symbol* presetGlobal(std::string_view name) {
+  Symbol* symbol = interpreter().names.find(name);
+  return symbol && symbol->isGlobal() && symbol->type == typeFloat ? symbol : nullptr;
+}
+
 }  // namespace
 
 double refuse(std::string_view message, ErrorKey key) {
@@ -224,8 +230,12 @@ void storeMatrix(std::string_view name, ConstMatrixView values) {
 }
 
 double presetValue(std::string_view name) {
-  const Symbol* symbol = interpreter().names.find(name);
-  return symbol && symbol->isGlobal() && symbol->type == typeFloat ? symbol->value : 0.0;
+  const Symbol* symbol = presetGlobal(name);
+  return symbol ? symbol->value : 0.0;
+}
+
+void setPreset(std::string_view name, double x) {
+  if (Symbol* symbol = presetGlobal(name)) symbol->value = x;
 }
 
 double accuracyAimed() {

@@ -135,6 +135,7 @@ void storeMatrix(std::string_view name, ConstMatrixView values);
 
 // The value of a preset global, whatever locals a program declares.
 double presetValue(std::string_view name);
+void setPreset(std::string_view name, double x);
 // The relative error aimed at: tol# x 1e-6, held within 1e-14 and 1e-2.
 double accuracyAimed();
 // The bound of iterations, subdivisions and scans: iter# without its decimals, at least 1.

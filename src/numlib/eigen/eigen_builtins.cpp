@@ -13,15 +13,11 @@
 #include "numlib/linear/linear_common_builtins.h"
 #include "values/argument_readers.h"
 #include "values/evaluator_parts.h"
+#include "values/numeric_arguments.h"
 
 namespace vexa {
 
 namespace {
-
-double presetValue(std::string_view name) {
-  const Symbol* symbol = interpreter().names.find(name);
-  return symbol ? symbol->value : 0.0;
-}
 
 // Key 76 when a result's name stands for an argument.
 bool differs(const std::string& name, const MatrixArgument& argument) {

@@ -9,7 +9,6 @@ double choleskyBuiltin();
 double gaussBuiltin();
 double trisolvBuiltin();
 double bandfBuiltin();
-double frameBuiltin();
 double tmultBuiltin();
 double cmultBuiltin();
 

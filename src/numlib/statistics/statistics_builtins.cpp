@@ -8,27 +8,13 @@
 
 #include "numlib/statistics/moments.h"
 #include "values/argument_readers.h"
+#include "values/numeric_arguments.h"
 
 namespace vexa {
 
 namespace {
 
 using Part = MatrixReference::Part;
-
-// A preset global keeps its meaning whatever locals a program declares.
-Symbol* presetGlobal(std::string_view name) {
-  Symbol* symbol = interpreter().names.find(name);
-  return symbol && symbol->isGlobal() && symbol->type == typeFloat ? symbol : nullptr;
-}
-
-double presetValue(std::string_view name) {
-  const Symbol* symbol = presetGlobal(name);
-  return symbol ? symbol->value : 0.0;
-}
-
-void setPreset(std::string_view name, double x) {
-  if (Symbol* symbol = presetGlobal(name)) symbol->value = x;
-}
 
 // The operator and the value after a reference, up to the closing parenthesis.
 void readFilter(Selection& selection) {

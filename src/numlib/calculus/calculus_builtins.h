@@ -1,0 +1,12 @@
+#pragma once
+
+// Handlers of the built-ins that evaluate expressions again and again.
+
+namespace vexa {
+
+double oneVariableBuiltin();  // integ, maxz1, minz1, root1
+double imtegBuiltin();        // imteg
+double derivBuiltin();        // deriv
+double seriesBuiltin();       // series
+
+}  // namespace vexa
