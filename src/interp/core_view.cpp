@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "graphics/plot/plot_target.h"
 #include "interp/message_box.h"
 #include "interp/program_text.h"
 #include "interp/run.h"
@@ -345,6 +346,7 @@ void CoreCommands::documentClosed(const void* document) {
        {&state.programDocument, &state.outputDocument, &state.defaultOutputDocument})
     if (*reference == document) *reference = nullptr;
   if (!state.outputDocument) state.outputChosen = false;
+  forgetDrawing(document);
 }
 
 }  // namespace vexa

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "graphics/plot/plot_state.h"
 #include "interp/call_stack.h"
 #include "interp/errors.h"
 #include "interp/name_pool.h"
@@ -119,6 +120,9 @@ struct InterpreterState {
   std::int32_t displaySetting = 0;
   double runStartTime = 0;
   TextSink* sink = nullptr;  // where printed text goes instead of the output document
+
+  // Drawing. Outlives runs.
+  PlotState plot;
 
   // Data displays.
   std::array<std::uint64_t, 6> generations{};

@@ -110,10 +110,14 @@ class TextDocument : public TextSink {
   virtual void markErrorLine(int number, std::string_view message) = 0;
 };
 
+// The view of a drawing, in logical units.
 class DrawingWindow {
  public:
   virtual ~DrawingWindow() = default;
+  // The figures from this position on are new or have changed: repaint soon. Requests merge.
   virtual void changed(std::size_t firstFigure) = 0;
+  // The upper end of the world range, for a display of world coordinates.
+  virtual void setYMaximum(double) {}
   virtual void centreOn(int x, int y) = 0;
   virtual void zoomIn(int x, int y, float factor) = 0;
   virtual void zoomOut(int x, int y, float factor) = 0;
@@ -140,7 +144,10 @@ class Shell {
   virtual TextDocument* activeTextDocument() = 0;  // null when another kind is active
   virtual TextDocument& newOutputDocument() = 0;
   virtual void bringToFront(TextDocument& document) = 0;
+  // The drawing in front; null when another kind of document is active. Drawings belong to the
+  // front, which tells the core (CoreCommands::documentClosed) before it destroys one.
   virtual CMiniDrawDoc* activeDrawing() = 0;
+  // A new drawing, emptied so that it holds its font item, in front.
   virtual CMiniDrawDoc& newDrawing() = 0;
   virtual DrawingWindow& windowOf(CMiniDrawDoc& drawing) = 0;
   virtual void bringToFront(CMiniDrawDoc& drawing) = 0;

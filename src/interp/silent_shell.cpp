@@ -1,8 +1,8 @@
 #include "interp/silent_shell.h"
 
 #include <ctime>
-#include <stdexcept>
 
+#include "graphics/document/mini_draw_doc.h"
 #include "interp/message_box.h"
 
 namespace vexa {
@@ -14,7 +14,21 @@ class DroppedOutput : public MemoryDocument {
   void write(std::string_view, char) override {}
 };
 
+// A view that nobody sees.
+class NoWindow : public DrawingWindow {
+ public:
+  void changed(std::size_t) override {}
+  void centreOn(int, int) override {}
+  void zoomIn(int, int, float) override {}
+  void zoomOut(int, int, float) override {}
+  void zoomNormal() override {}
+};
+
 }  // namespace
+
+SilentShell::SilentShell() = default;
+
+SilentShell::~SilentShell() = default;
 
 std::string SilentShell::output() const {
   std::string all;
@@ -40,11 +54,15 @@ TextDocument& SilentShell::newOutputDocument() {
 }
 
 CMiniDrawDoc& SilentShell::newDrawing() {
-  throw std::logic_error("a shell without drawings was asked for one");
+  m_drawings.push_back(std::make_unique<CMiniDrawDoc>());
+  m_activeDrawing = m_drawings.back().get();
+  m_activeDrawing->emptyDrawing();
+  return *m_activeDrawing;
 }
 
 DrawingWindow& SilentShell::windowOf(CMiniDrawDoc&) {
-  throw std::logic_error("a shell without drawings was asked for a window");
+  static NoWindow window;
+  return window;
 }
 
 Interrupt SilentShell::interruptRequested() {

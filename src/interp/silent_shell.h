@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,8 +18,12 @@ namespace vexa {
 
 class SilentShell : public Shell {
  public:
+  SilentShell();
+  ~SilentShell() override;
   // Makes a document the one that a person works in; null for none.
   void activate(TextDocument* document) { m_active = document; }
+  // The drawings of the programs so far, in the order in which they were made.
+  std::span<const std::unique_ptr<CMiniDrawDoc>> drawings() const { return m_drawings; }
   // What was printed, unless it was to be dropped.
   std::string output() const;
   void dropOutput() { m_dropOutput = true; }
@@ -35,10 +40,10 @@ class SilentShell : public Shell {
   TextDocument* activeTextDocument() override { return m_active; }
   TextDocument& newOutputDocument() override;
   void bringToFront(TextDocument&) override {}
-  CMiniDrawDoc* activeDrawing() override { return nullptr; }
+  CMiniDrawDoc* activeDrawing() override { return m_activeDrawing; }
   CMiniDrawDoc& newDrawing() override;
   DrawingWindow& windowOf(CMiniDrawDoc& drawing) override;
-  void bringToFront(CMiniDrawDoc&) override {}
+  void bringToFront(CMiniDrawDoc& drawing) override { m_activeDrawing = &drawing; }
 
   void statusText(std::string_view) override {}
   void postMessage(std::string_view) override {}
@@ -60,6 +65,8 @@ class SilentShell : public Shell {
   TextDocument* m_active = nullptr;
   std::vector<std::unique_ptr<MemoryDocument>> m_outputs;
   bool m_dropOutput = false;
+  std::vector<std::unique_ptr<CMiniDrawDoc>> m_drawings;
+  CMiniDrawDoc* m_activeDrawing = nullptr;
   std::uint64_t m_pollsLeft = UINT64_MAX;
 };
 

@@ -470,4 +470,30 @@ std::vector<double> readDataList() {
   }
 }
 
+std::vector<double> readDataList(std::size_t least, std::size_t most) {
+  const Scanner& scanner = interpreter().scanner;
+  std::vector<double> values;
+  getToken();
+  bool more = scanner.tokenChar != ')';
+  while (more) {
+    appendListItem(values);
+    valueUsed(interpreter());
+    if (values.size() > most) {
+      raiseError(ErrorKey::tooLong);
+      values.resize(most);
+    }
+    more = scanner.tokenChar == ',';
+    if (more)
+      getToken();
+    else if (scanner.tokenChar != ')')
+      raiseError(ErrorKey::parenthesisExpected);
+  }
+  if (values.size() < least) {
+    raiseError(ErrorKey::tooFewElements);
+    values.resize(least);
+  }
+  rescanToken();
+  return values;
+}
+
 }  // namespace vexa

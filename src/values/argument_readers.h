@@ -141,6 +141,9 @@ std::string readTextList();
 // Numbers, matrix names and `!` expressions up to the closing parenthesis, which stays unread;
 // elements in storage order, row by row.
 std::vector<double> readDataList();
+// The same with bounds: one number more than `most` raises key 25 where it is read, a list that
+// ends with fewer than `least` key 68. The list may be empty when `least` is 0.
+std::vector<double> readDataList(std::size_t least, std::size_t most);
 // One item of a data list, appended.
 void readDataItem(std::vector<double>& values);
 

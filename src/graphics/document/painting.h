@@ -12,10 +12,10 @@ namespace vexa {
 
 struct PaintOptions {
   // Instead of the drawing's own background. A print is always white.
-  std::optional<ColorRef> background;
+  std::optional<ColorRef> background = {};
   // Told of a font that the surface cannot make. It may throw, which ends the paint; otherwise no
   // text is drawn until the next font item.
-  std::function<void(const FontDescription&)> fontFailed;
+  std::function<void(const FontDescription&)> fontFailed = {};
 };
 
 // Fills the surface's area to paint with the background and draws the figures in list order. Hidden

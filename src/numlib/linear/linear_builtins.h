@@ -9,6 +9,7 @@ double choleskyBuiltin();
 double gaussBuiltin();
 double trisolvBuiltin();
 double bandfBuiltin();
+double frameBuiltin();
 double tmultBuiltin();
 double cmultBuiltin();
 
