@@ -59,9 +59,9 @@ const char* pastComment(const char* at) {
   for (at += 2;; ++at) {
     if (*at == '\0') return nullptr;
     if (*at != '*') continue;
-    if (at[1] == '/' && !isLineSuffix(at + 1)) return at + 2;
-    // A second opening inside a comment is a fault, not text.
+    // A second opening inside a comment is a fault, not text; that of "/*/" ends nothing.
     if (at[-1] == '/') return nullptr;
+    if (at[1] == '/' && !isLineSuffix(at + 1)) return at + 2;
   }
 }
 
