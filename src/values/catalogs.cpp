@@ -71,10 +71,10 @@ class Catalog {
   bool m_empty = true;
 };
 
-// The preset globals stay out, and so do the companions that a factorisation keeps.
+// The preset globals stay out, and so do the companions that a factorisation keeps. These are told
+// by their names, which no program can write: their tag may be that of any factorised matrix.
 bool isListed(const Symbol& global) {
-  constexpr std::uint8_t companionTag = 'I';
-  return global.state != statePreset && !(global.matrix && global.matrix->tag() == companionTag);
+  return global.state != statePreset && !global.name().starts_with('#');
 }
 
 bool anyGlobals(const NamePool& names) {
