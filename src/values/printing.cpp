@@ -165,7 +165,8 @@ bool ItemPrinter::printScalar() {
 bool ItemPrinter::printMarked() {
   Value value;
   evalMatrixExpression(value, static_cast<char>(m_scanner.tokenChar), true);
-  const bool whole = separated(Item::expression) && value.matrix;
+  const Item item = endsExpression(m_scanner.tokenChar) ? Item::text : Item::expression;
+  const bool whole = separated(item) && value.matrix;
   if (whole) matrix(*value.matrix);
   freeOperand(value);
   return whole;
