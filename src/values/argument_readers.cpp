@@ -7,6 +7,7 @@
 
 #include "interp/declarations.h"
 #include "interp/interpreter_state.h"
+#include "interp/output.h"
 #include "values/evaluator_parts.h"
 #include "values/printing.h"
 #include "values/text_string.h"
@@ -104,6 +105,17 @@ void checkScalarName(std::string_view name) {
       return;
   }
 }
+
+// Whole matrices could make a text of any length, which nobody would read.
+class BoundedText : public StringSink {
+ public:
+  void write(std::string_view text, char mode) override {
+    if (StringSink::text().size() + text.size() > textListLimit)
+      raiseError(ErrorKey::tooLong);
+    else
+      StringSink::write(text, mode);
+  }
+};
 
 // One order of a sized name; the token after it is current then.
 int readOrder() { return truncateIndex(readCondition(), ErrorKey::allocationFailed); }
@@ -443,7 +455,7 @@ std::string readLiteral() {
 }
 
 std::string readTextList() {
-  StringSink sink;
+  BoundedText sink;
   printItems(&sink);
   rescanToken();
   return sink.text();

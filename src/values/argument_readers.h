@@ -135,7 +135,9 @@ char readOption(std::string_view allowed, ErrorKey unknown = ErrorKey::invalidDa
 std::string readText();
 // A double-quoted literal only; otherwise key 94.
 std::string readLiteral();
-// The items of `print`, collected into a text, up to but not including the closing parenthesis.
+// The items of `print`, collected into a text, up to but not including the closing parenthesis. A
+// text of more than textListLimit bytes raises key 25.
+inline constexpr std::size_t textListLimit = 1 << 20;
 std::string readTextList();
 
 // Numbers, matrix names and `!` expressions up to the closing parenthesis, which stays unread;

@@ -53,6 +53,11 @@ void preferLargePages(void* block, std::uint64_t bytes) {
 void setMatrixMemoryLimit(std::uint64_t bytes) { accounting().limit = bytes; }
 std::uint64_t matrixMemoryInUse() { return accounting().inUse; }
 
+bool matrixMemoryHolds(std::uint64_t elements) {
+  const Accounting& memory = accounting();
+  return memory.inUse <= memory.limit && elements <= (memory.limit - memory.inUse) / sizeof(double);
+}
+
 bool Matrix::reshape(int rows, int cols) {
   if (rows <= 0 || cols <= 0) return false;
   Accounting& memory = accounting();

@@ -92,6 +92,8 @@ class MatrixPin {
 // a test sets a smaller bound. Requests beyond it fail before memory is touched.
 void setMatrixMemoryLimit(std::uint64_t bytes);
 std::uint64_t matrixMemoryInUse();
+// Whether the bound leaves room for so many more doubles: for lists that a matrix is made from.
+bool matrixMemoryHolds(std::uint64_t elements);
 
 // A zero-filled matrix. Raises key 28 when rows x cols is 0 or memory cannot be had.
 std::unique_ptr<Matrix> newMatrix(int rows, int cols);

@@ -499,6 +499,17 @@ void valueAssignment(State& state, Value& value, Place place) {
   valueSum(state, value);
 }
 
+// A list of whole matrices can outgrow the machine. It is counted twice: growing moves it, and in
+// the end a matrix is made from it.
+void appendElements(std::vector<double>& values, const Matrix& matrix) {
+  if (!matrixMemoryHolds(2 * (values.size() + matrix.size()))) {
+    raiseError(ErrorKey::allocationFailed);
+    return;
+  }
+  const auto elements = matrix.elements();
+  values.insert(values.end(), elements.begin(), elements.end());
+}
+
 }  // namespace
 
 void appendListItem(std::vector<double>& values) {
@@ -508,8 +519,7 @@ void appendListItem(std::vector<double>& values) {
     Value value;
     if (scanner.tokenChar == '!') {
       evalMatrixExpression(value, '!', true);
-      const auto elements = value.matrix->elements();
-      values.insert(values.end(), elements.begin(), elements.end());
+      appendElements(values, *value.matrix);
       freeOperand(value);
       return;
     }
@@ -518,7 +528,7 @@ void appendListItem(std::vector<double>& values) {
       if (next == ',' || next == ';' || next == '}' || next == ')') {
         const Matrix* matrix = matrixOf(*scanner.symbol);
         if (matrix->isString()) raiseError(ErrorKey::invalidData);
-        values.insert(values.end(), matrix->elements().begin(), matrix->elements().end());
+        appendElements(values, *matrix);
         getToken();
         return;
       }

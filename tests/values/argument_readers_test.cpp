@@ -101,6 +101,17 @@ TEST_F(ReaderTest, KeepsTheMatrixOfAnArgumentFromBeingDeleted) {
   EXPECT_EQ(session.evaluate("delete(m); isvar(m)"), "           0\n");
 }
 
+// The bound of all matrices holds while a list grows, with room for what is made from it.
+TEST_F(ReaderTest, RefusesListsThatOutgrowTheMemory) {
+  constexpr std::uint64_t roomFor = 40;
+  setMatrixMemoryLimit(matrixMemoryInUse() + roomFor * sizeof(double));
+  place("m, m, m)");
+  EXPECT_EQ(readDataList().size(), 18u);
+  EXPECT_EQ(faultOf("m, m, m, m)", readDataList), "20");
+  EXPECT_EQ(faultOf("!m, 1, !m, !m, 2, m)", readDataList), "20");
+  setMatrixMemoryLimit(std::uint64_t{1} << 40);
+}
+
 TEST_F(ReaderTest, StoresNumbersByTheKindOfTheirVariable) {
   EXPECT_EQ(storeScalar("n", -2.7), -2);
   EXPECT_EQ(storeScalar("x", -2.7), -2.7);
