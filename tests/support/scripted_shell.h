@@ -70,6 +70,7 @@ class CScriptedShell : public SilentShell {
 
   TextDocument& newOutputDocument() override;
   void bringToFront(TextDocument& document) override;
+  using SilentShell::bringToFront;
 
   void statusText(std::string_view text) override;
   void postMessage(std::string_view text) override;

@@ -154,10 +154,14 @@ bool placePicture(PlotState& state, bool landscape, double x, double y, double w
   if (!(x >= 0) || !(y >= 0)) return false;
   if (!(w > 0) || !(x + w <= across)) return false;
   if (!(h > 0) || !(y + h <= down)) return false;
+  // A picture of less than a unit would make every range invalid, and so every later call.
+  const std::int32_t width = truncated(w * pageWidth);
+  const std::int32_t height = truncated(h * pageWidth);
+  if (width == 0 || height == 0) return false;
   state.pictureLeft = truncated(x * pageWidth);
   state.pictureTop = truncated(y * pageWidth);
-  state.pictureWidth = truncated(w * pageWidth);
-  state.pictureHeight = truncated(h * pageWidth);
+  state.pictureWidth = width;
+  state.pictureHeight = height;
   return true;
 }
 

@@ -75,7 +75,7 @@ std::optional<Point> mapPoint(const PlotState& state, double x, double y);
 void setWorldWindow(PlotState& state, double x1, double y1, double x2, double y2);
 
 // Places the picture, given in fractions of the page width. False, and nothing changed, when it is
-// not wholly on the page.
+// not wholly on the page or smaller than a unit.
 bool placePicture(PlotState& state, bool landscape, double x, double y, double w, double h);
 
 // The point on which a view is centered when the picture has been placed.
