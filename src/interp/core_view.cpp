@@ -4,7 +4,6 @@
 #include <array>
 
 #include "graphics/plot/plot_target.h"
-#include "interp/message_box.h"
 #include "interp/program_text.h"
 #include "interp/run.h"
 #include "values/builtin_help.h"
@@ -256,22 +255,7 @@ void CoreCommands::textChanged(const TextDocument& document) {
 }
 
 bool CoreCommands::setProgram(TextDocument& document) {
-  if (CoreView().running()) return false;
-  if (document.lineCount() > maxLineCount) {
-    messageBox(" Program has more than 99999 lines");
-    return false;
-  }
-  std::shared_ptr<const std::string> text = prepareProgramText(document);
-  if (!text) {
-    messageBox(" Lack of memory to execute program");
-    return false;
-  }
-  InterpreterState& state = interpreter();
-  state.programDocument = &document;
-  state.programText = std::move(text);
-  state.functionsCurrent = false;
-  document.setRole(roleExecuted);
-  return true;
+  return !CoreView().running() && takeProgram(document);
 }
 
 bool CoreCommands::evaluate(std::string_view text, Evaluation& result) {

@@ -55,7 +55,7 @@ struct InterpreterState {
   TextDocument* programDocument = nullptr;
   TextDocument* outputDocument = nullptr;
   TextDocument* defaultOutputDocument = nullptr;
-  bool outputChosen = false;  // outputDocument may be written into as it is
+  bool outputChosen = false;  // outputDocument has the role of one that receives output
 
   // Flags.
   bool busy = false;

@@ -20,10 +20,10 @@ using State = InterpreterState;
 constexpr unsigned allDisplays =
     refreshValues | refreshLocals | refreshCalls | refreshErrors | refreshFunctions;
 
-// Takes the document's lines as the program text. False after a message, or when the document is
-// not loaded.
+// Takes the document's lines as the program text. False after a message, or when the document has
+// no lines or is not loaded.
 bool takeProgramText(State& state, TextDocument& program) {
-  if (!program.loaded()) return false;
+  if (!program.loaded() || program.lineCount() == 0) return false;
   if (program.lineCount() > maxLineCount) {
     messageBox(" Program has more than 99999 lines");
     return false;
@@ -108,6 +108,14 @@ void runToItsEnd(State& state) {
 
 }  // namespace
 
+bool takeProgram(TextDocument& program) {
+  State& state = interpreter();
+  if (!takeProgramText(state, program)) return false;
+  state.programDocument = &program;
+  program.setRole(roleExecuted);
+  return true;
+}
+
 bool executeProgram(TextDocument& program) {
   State& state = interpreter();
   if (state.busy || state.running || state.evaluating) return false;
@@ -116,15 +124,11 @@ bool executeProgram(TextDocument& program) {
         "This document has been used for output. Please click on a program document to execute");
     return false;
   }
-  if (!takeProgramText(state, program)) return false;
-  state.programDocument = &program;
-  program.setRole(roleExecuted);
-  if (state.outputDocument && state.outputDocument->role() != roleExecuted) {
+  if (!takeProgram(program)) return false;
+  if (state.outputDocument && state.outputDocument->role() != roleExecuted)
     state.shell->bringToFront(*state.outputDocument);
-    state.outputChosen = true;
-  } else {
+  else
     createOutputDocument(state);
-  }
   state.outputDocument->beginRun();
 
   state.running = true;

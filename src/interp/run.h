@@ -8,6 +8,9 @@ namespace vexa {
 
 // The Execute command. False when nothing was started.
 bool executeProgram(TextDocument& program);
+// Makes a document the program document and takes its text without running it. False, after a
+// message where one is due, when the text could not be taken.
+bool takeProgram(TextDocument& program);
 // Chooses where printed text goes: mode 1 takes the active document, mode 2 finds or creates one.
 bool chooseOutputDocument(int mode);
 // Starts the prepared program text: reset, pre-scan, `main`. False without `main` and functions.

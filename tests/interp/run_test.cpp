@@ -130,6 +130,7 @@ TEST(Run, ChoosesTheActiveDocumentForOutputInModeOne) {
   session.run();
   EXPECT_EQ(notes.text(), "           1");
   EXPECT_EQ(session.shell.outputCount(), 0u);
+  EXPECT_FALSE(CoreCommands().execute(notes));
 }
 
 TEST(Run, FindsATargetForOutputInModeTwo) {
