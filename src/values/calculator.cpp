@@ -161,7 +161,8 @@ void evaluateTypedText(std::string_view text, Evaluation& result, bool faultsEnd
   State& state = interpreter();
   result.fault = false;
   result.interrupted = false;
-  if (!state.running) {
+  const bool nested = state.running || state.evaluating;
+  if (!nested) {
     updateProgram();
     state.runInterrupted = false;
     state.endReached = false;
@@ -180,12 +181,12 @@ void evaluateTypedText(std::string_view text, Evaluation& result, bool faultsEnd
       raiseError(ErrorKey::allocationFailed);
     }
   } catch (const RunAbandoned&) {
-    // What stops the evaluation without being a fault stops the run around it, too.
+    // What stops the evaluation without being a fault stops what opened it, too.
     const bool stopped = state.runInterrupted || state.endReached;
-    if (faultsEndRun || (state.running && stopped)) throw;
-    result.fault = true;
+    if (faultsEndRun || (nested && stopped)) throw;
     result.interrupted = state.runInterrupted;
-    result.message = state.lastErrorMessage;
+    result.fault = !state.endReached;
+    if (result.fault) result.message = state.lastErrorMessage;
   }
   for (const Bar bar : {Bar::values, Bar::globals}) state.changed(bar);
 }

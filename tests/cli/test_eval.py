@@ -20,6 +20,7 @@ class EvalTest(CommandLineTest):
                 ("print(5)", "           5"),
                 ("print(5); 6", "           5\n           6\n"),
                 ("exec({ x = 2; }, x^3)", "           8\n"),
+                ("1; exec({ end; }); 2", "           1\n"),
                 ("1 // comment", "           1\n"),
                 ("1 +\n2", "           3\n"),
                 ("-2+3", "           1\n"), ("-x", None), ("--5", None)):
