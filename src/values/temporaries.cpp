@@ -43,7 +43,13 @@ WorkVector* pushVector(std::unique_ptr<WorkVector> vector) {
   return push(interpreter().tempVectors, std::move(vector), "Push too many vectors");
 }
 
-Matrix* newTempMatrix(int rows, int cols) { return pushMatrix(newMatrix(rows, cols)); }
+Matrix* newTempMatrix(int rows, int cols) {
+  constexpr std::size_t largeSize = std::size_t{1} << 20;
+  auto matrix = newMatrix(rows, cols);
+  // Filling it takes as long as many tokens.
+  if (matrix->size() >= largeSize) interpreter().scanner.interruptCountdown = 1;
+  return pushMatrix(std::move(matrix));
+}
 WorkVector* newTempVector(std::size_t n) { return pushVector(newVector(n)); }
 
 void freeTempMatrix(const Matrix* matrix) {

@@ -208,6 +208,12 @@ TEST(Run, AsksOnEscapeAndStopsWithoutAskingOnStop) {
   EXPECT_TRUE(stopped.messages()[0].starts_with(" Error #Program interrupted:"));
   EXPECT_EQ(stopped.view.lastOutcome(), RunOutcome::interrupted);
   EXPECT_EQ(stopped.view.errorLine(), 3);
+
+  // A large result is asked about at once: few tokens may take long.
+  ScriptedSession large("main() { mat a[1024,1024]; !a = a + a; }");
+  large.shell.interrupts = {{1, Interrupt::stop}};
+  large.run();
+  EXPECT_EQ(large.view.lastOutcome(), RunOutcome::interrupted);
 }
 
 TEST(Run, ClosedDocumentsAreForgottenEvenDuringARun) {
