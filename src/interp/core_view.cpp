@@ -316,6 +316,16 @@ bool CoreCommands::chooseOutput(int mode) {
   return !CoreView().running() && chooseOutputDocument(mode);
 }
 
+bool CoreCommands::saveGlobals() {
+  Evaluation result;
+  return evaluate("saveglobalvars()", result) && !result.fault && result.value > 0.0;
+}
+
+bool CoreCommands::readGlobals() {
+  Evaluation result;
+  return evaluate("readglobalvars()", result) && !result.fault;
+}
+
 void CoreCommands::setTrace(bool on) {
   if (!CoreView().running()) interpreter().trace = on;
 }

@@ -91,14 +91,20 @@ class CoreCommands {
   // Makes a document the program document without running it, so that updateFunctions reads it.
   // False when a run is on or, after a message, when the text could not be taken.
   bool setProgram(TextDocument& document);
-  // As the calculator does; false when a run is on.
+  // As the calculator does; false when a run is on. The keyword `end` is no fault.
   bool evaluate(std::string_view text, Evaluation& result);
   // Only while the core waits in Shell::calculator or Shell::form.
   bool evaluateInRun(std::string_view text, Evaluation& result);
   bool defineMatrix(std::string_view name, int rows, int cols);
   bool writeBlock(std::string_view name, int row, int col, int cols,
                   std::span<const double> values);
+  // Where printed text goes: mode 1 the active document, mode 2 whatever can be had. False when a
+  // run is on or, after a message, when no text document is active.
   bool chooseOutput(int mode);
+  // The global-variables file, asked for by a dialog; faults are shown as those of the calculator.
+  // False when a run is on, after a fault and, of saveGlobals, when nothing was saved.
+  bool saveGlobals();
+  bool readGlobals();
   void setTrace(bool on);
   void setDisplayValues(bool on);
   // Drops references to a document that a front is about to destroy; allowed during a run.

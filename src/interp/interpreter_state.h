@@ -82,7 +82,7 @@ struct InterpreterState {
   // What the last failed run left, for the data views, and the text that its frames point into.
   CallStack faultCalls;
   std::shared_ptr<const std::string> faultText;
-  char mode = 0;         // '!' matrix, '@' complex, 0 plain
+  char mode = 0;  // '!' matrix, '@' complex, 0 plain
   int nesting = 0;
 
   // The functions executing now.
@@ -113,7 +113,7 @@ struct InterpreterState {
   Symbol* builtinResultOwner = nullptr;
   bool noEcho = false;
   std::uint8_t pivotSerial = 0;  // of the newest pivot companion, see docs/builtins/linear.md
-  char builtinMode = 0;  // the mode mark at the call of the current built-in
+  char builtinMode = 0;          // the mode mark at the call of the current built-in
   AngleMode angles;
   bool debug = false;
   int matrixPrintLimit = 0;

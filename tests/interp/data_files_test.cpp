@@ -266,6 +266,21 @@ TEST_F(DataFiles, GlobalsAreSavedAsTheseBytes) {
   EXPECT_EQ(valueOf("mean#"), "           0\n");
 }
 
+TEST_F(DataFiles, GlobalsAreSavedAndReadByCommand) {
+  CoreCommands commands;
+  m_session.evaluate("g = 2.5");
+  m_session.shell.saveFiles.assign(1, m_file);
+  EXPECT_TRUE(commands.saveGlobals());
+  EXPECT_FALSE(commands.saveGlobals()) << "the dialog was cancelled";
+  m_session.evaluate("g = 3");
+  m_session.shell.openFiles.assign(2, m_file);
+  EXPECT_TRUE(commands.readGlobals());
+  EXPECT_EQ(valueOf("g"), "         2.5\n");
+  setFileBytes(fileBytes().substr(0, 100));
+  EXPECT_FALSE(commands.readGlobals());
+  EXPECT_THAT(message(), HasSubstr("File format corrupted"));
+}
+
 TEST_F(DataFiles, GlobalsCutOffInsideARecordChangeNothing) {
   const std::vector<GlobalRecord> records = savedRecords();
   const std::string whole = globalsFile(records);
