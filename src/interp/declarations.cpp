@@ -141,7 +141,8 @@ void declareGlobal(State& state, int typeWord) {
   }
   // Conflicts come before the order is read; a matrix is made after it.
   const Symbol* known = state.names.find(name);
-  if (known && known->isGlobal() && known->type == typeFloat) {
+  const bool isNew = !known || !known->isGlobal();
+  if (!isNew && known->type == typeFloat) {
     raiseError(ErrorKey::nameIsFloat, name);
     return;
   }
@@ -151,7 +152,7 @@ void declareGlobal(State& state, int typeWord) {
     auto matrix = newMatrix(order.rows, order.cols);
     if (Symbol* symbol = makeGlobalMatrix(name)) symbol->matrix->swapContents(*matrix);
   } else if (Symbol* symbol = makeGlobalMatrix(name)) {
-    if (!known) storeText(*symbol->matrix, {});
+    if (isNew) storeText(*symbol->matrix, {});
     const std::string text = readInitialText(scanner, name);
     storeText(*symbol->matrix, text);
   }
