@@ -8,8 +8,6 @@ namespace vexa {
 
 namespace {
 
-using State = InterpreterState;
-
 // A branch or body: a brace block.
 void executeBlock() {
   expectChar('{');
@@ -38,18 +36,13 @@ bool acceptElse(Scanner& scanner) {
   return false;
 }
 
-bool stopped(const Scanner& scanner) {
-  return scanner.tokenCode == classReturn || scanner.tokenCode == classBreak ||
-         scanner.tokenCode == classContinue;
-}
-
 }  // namespace
 
 void executeIf() {
   Scanner& scanner = interpreter().scanner;
   if (readParenthesisedCondition() != 0.0) {
     executeBlock();
-    if (stopped(scanner)) return;
+    if (stopsSequence(scanner.tokenCode)) return;
     if (acceptElse(scanner)) skipGroup('{');
   } else {
     skipGroup('{');

@@ -48,8 +48,7 @@ std::string MemoryDocument::line(int number) const {
 }
 
 void MemoryDocument::write(std::string_view text, char mode) {
-  bool lineIsEmpty = m_text.empty() || m_text.back() == '\n';
-  appendInMode(m_text, lineIsEmpty, text, mode);
+  appendInMode(m_text, text, mode);
   m_lineStarts.clear();
 }
 
@@ -66,18 +65,6 @@ void MemoryDocument::findLines() const {
     m_lineStarts.push_back(at);
     at = findLineEnd(text, at);
   }
-}
-
-void appendInMode(std::string& out, bool& lineIsEmpty, std::string_view text, char mode) {
-  if (mode == lineAppend) {
-    out += text;
-    if (!text.empty()) lineIsEmpty = text.back() == '\n';
-    return;
-  }
-  if (!text.empty() && !lineIsEmpty) out += '\n';
-  out += text;
-  out += '\n';
-  lineIsEmpty = true;
 }
 
 }  // namespace vexa

@@ -41,8 +41,4 @@ class MemoryDocument : public TextDocument {
   bool m_loaded = true;
 };
 
-// Appends in one of the line modes of TextDocument::write to a text whose lines end with LF;
-// `lineIsEmpty` says whether the current line is, before and after.
-void appendInMode(std::string& out, bool& lineIsEmpty, std::string_view text, char mode);
-
 }  // namespace vexa

@@ -5,12 +5,14 @@
 
 namespace vexa {
 
-void StringSink::write(std::string_view text, char mode) {
+void appendInMode(std::string& out, std::string_view text, char mode) {
   const bool whole = mode != lineAppend;
-  if (whole && !text.empty() && !m_text.empty() && m_text.back() != '\n') m_text += '\n';
-  m_text += text;
-  if (whole) m_text += '\n';
+  if (whole && !text.empty() && !out.empty() && out.back() != '\n') out += '\n';
+  out += text;
+  if (whole) out += '\n';
 }
+
+void StringSink::write(std::string_view text, char mode) { appendInMode(m_text, text, mode); }
 
 TextSink& outputSink() {
   InterpreterState& state = interpreter();

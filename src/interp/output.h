@@ -9,6 +9,9 @@
 
 namespace vexa {
 
+// Appends in one of the line modes to a text whose lines end with a line feed.
+void appendInMode(std::string& out, std::string_view text, char mode);
+
 // Collects what would be printed; lines end with a line feed.
 class StringSink : public TextSink {
  public:

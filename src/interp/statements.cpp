@@ -44,10 +44,6 @@ void caseLabel(const Scanner& scanner) {
   expectChar(':');
 }
 
-bool stopsSequence(int tokenClass) {
-  return tokenClass == classReturn || tokenClass == classBreak || tokenClass == classContinue;
-}
-
 // A statement that begins with a keyword, which is the current token.
 Next keywordStatement(State& state) {
   const Scanner& scanner = state.scanner;
@@ -101,10 +97,6 @@ Next keywordStatement(State& state) {
       return Next::sequence;
   }
 }
-
-}  // namespace
-
-namespace {
 
 // The dispatcher; `inBlock` when statements run as a sequence up to the closing brace.
 void dispatch(bool inBlock) {
