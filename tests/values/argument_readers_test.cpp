@@ -104,11 +104,12 @@ TEST_F(ReaderTest, KeepsTheMatrixOfAnArgumentFromBeingDeleted) {
 // The bound of all matrices holds while a list grows, with room for what is made from it.
 TEST_F(ReaderTest, RefusesListsThatOutgrowTheMemory) {
   constexpr std::uint64_t roomFor = 40;
+  const auto list = [] { return readDataList(); };
   setMatrixMemoryLimit(matrixMemoryInUse() + roomFor * sizeof(double));
   place("m, m, m)");
   EXPECT_EQ(readDataList().size(), 18u);
-  EXPECT_EQ(faultOf("m, m, m, m)", readDataList), "20");
-  EXPECT_EQ(faultOf("!m, 1, !m, !m, 2, m)", readDataList), "20");
+  EXPECT_EQ(faultOf("m, m, m, m)", list), "20");
+  EXPECT_EQ(faultOf("!m, 1, !m, !m, 2, m)", list), "20");
   setMatrixMemoryLimit(std::uint64_t{1} << 40);
 }
 
