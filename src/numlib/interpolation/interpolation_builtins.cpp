@@ -8,6 +8,7 @@
 #include "interp/message_box.h"
 #include "numlib/interpolation/hermite.h"
 #include "numlib/interpolation/point_tables.h"
+#include "numlib/linear/linear_common_builtins.h"
 #include "values/argument_readers.h"
 
 namespace vexa {
@@ -107,10 +108,10 @@ double interpolationBuiltin() {
 
   const auto at = readPosition(table);
   if (!at) return 0.0;
-  if (builtin == builtinCode("ratint")) return interpolateRational(table.points(), *at);
+  if (builtin == builtinCode("ratint")) return interpolateRational(table.points(), *at, askUser);
   const bool linear = builtin == builtinCode("lint");
-  const auto value =
-      linear ? interpolateLinear(table.points(), *at) : interpolatePolynomial(table.points(), *at);
+  const auto value = linear ? interpolateLinear(table.points(), *at)
+                            : interpolatePolynomial(table.points(), *at, askUser);
   return value ? *value : refuse(linear ? notAscending : "x-values must be unique");
 }
 

@@ -70,7 +70,7 @@ struct RationalValue {
 };
 
 // The scheme of Bulirsch and Stoer. `at` is no abscissa.
-RationalValue joinAll(const PointTable& table, double at) {
+RationalValue joinAll(const PointTable& table, double at, const InterruptTest& interrupted) {
   const std::size_t n = table.size();
   Columns columns(n);
   const std::span<double> inner = columns.first();
@@ -78,7 +78,9 @@ RationalValue joinAll(const PointTable& table, double at) {
   std::ranges::fill(inner, 0.0);
   std::ranges::copy(table.y, values.begin());
   RationalValue result;
+  Pace pace(interrupted);
   for (std::size_t m = 1; m < n; ++m) {
+    if (pace.stopsAfter(n)) return {kNotANumber};
     for (std::size_t i = 0; i + m < n; ++i) {
       // inner[i + 1] is still of the level before the last, one point less on either side.
       const double middle = inner[i + 1];
@@ -101,25 +103,26 @@ RationalValue joinAll(const PointTable& table, double at) {
 // The order of the points does not change the function, only the groups on the way. Those of an
 // even function on a symmetric grid are undetermined in the natural order; with the second half
 // turned round, mirrored points never stand together.
-double rationalAt(const PointTable& table, double at) {
-  const RationalValue natural = joinAll(table, at);
+double rationalAt(const PointTable& table, double at, const InterruptTest& interrupted) {
+  const RationalValue natural = joinAll(table, at, interrupted);
   if (!natural.doubtful) return natural.value;
   std::vector<double> x(table.x.begin(), table.x.end());
   std::vector<double> y(table.y.begin(), table.y.end());
   const auto half = static_cast<std::ptrdiff_t>(x.size() / 2);
   std::reverse(x.begin() + half, x.end());
   std::reverse(y.begin() + half, y.end());
-  const RationalValue other = joinAll({x, y}, at);
+  const RationalValue other = joinAll({x, y}, at, interrupted);
   const bool agree = std::fabs(natural.value - other.value) <= 1e-8 * largestOrdinate(y);
   return other.doubtful || agree ? natural.value : other.value;
 }
 
 // An infinity with the sign that the function has on both sides of a pole. They are looked at from
 // so far that a pole of fourth order still leaves them digits.
-double signedPole(const PointTable& table, double at, double nearest) {
+double signedPole(const PointTable& table, double at, double nearest,
+                  const InterruptTest& interrupted) {
   const double aside = std::ldexp(std::fabs(at - nearest), -10);
-  const double below = rationalAt(table, at - aside);
-  const double above = rationalAt(table, at + aside);
+  const double below = rationalAt(table, at - aside, interrupted);
+  const double above = rationalAt(table, at + aside, interrupted);
   if (!std::isfinite(below) || !std::isfinite(above) || (below < 0.0) != (above < 0.0))
     return kNotANumber;
   return std::copysign(kInfinity, above);
@@ -147,7 +150,8 @@ std::optional<double> interpolateLinear(const PointTable& table, double at) {
   return table.y[low] + (table.y[low + 1] - table.y[low]) * (at - table.x[low]) / h;
 }
 
-std::optional<double> interpolatePolynomial(const PointTable& table, double at) {
+std::optional<double> interpolatePolynomial(const PointTable& table, double at,
+                                            const InterruptTest& interrupted) {
   const std::size_t n = table.size();
   Columns columns(n);
   const std::span<double> c = columns.first();
@@ -158,7 +162,9 @@ std::optional<double> interpolatePolynomial(const PointTable& table, double at) 
   // the scheme as it allows: c[i] adds the point behind the i-th group, d[i] the one before it.
   std::size_t before = nearestPoint(table.x, at);
   double value = table.y[before];
+  Pace pace(interrupted);
   for (std::size_t m = 1; m < n; ++m) {
+    if (pace.stopsAfter(n)) return std::nullopt;
     for (std::size_t i = 0; i + m < n; ++i) {
       const double first = table.x[i];
       const double last = table.x[i + m];
@@ -174,11 +180,11 @@ std::optional<double> interpolatePolynomial(const PointTable& table, double at) 
   return value;
 }
 
-double interpolateRational(const PointTable& table, double at) {
+double interpolateRational(const PointTable& table, double at, const InterruptTest& interrupted) {
   const std::size_t nearest = nearestPoint(table.x, at);
   if (at == table.x[nearest]) return table.y[nearest];
-  const double value = rationalAt(table, at);
-  return std::isinf(value) ? signedPole(table, at, table.x[nearest]) : value;
+  const double value = rationalAt(table, at, interrupted);
+  return std::isinf(value) ? signedPole(table, at, table.x[nearest], interrupted) : value;
 }
 
 }  // namespace vexa

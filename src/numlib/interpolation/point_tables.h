@@ -8,6 +8,8 @@
 #include <optional>
 #include <span>
 
+#include "numlib/linear/interrupt_test.h"
+
 namespace vexa {
 
 struct PointTable {
@@ -25,12 +27,15 @@ std::size_t findInterval(std::span<const double> x, double at);
 std::optional<double> interpolateLinear(const PointTable& table, double at);
 
 // The polynomial of degree n - 1 through all points, by Neville's scheme. At an abscissa it gives
-// that point's ordinate. None when two abscissae are equal.
-std::optional<double> interpolatePolynomial(const PointTable& table, double at);
+// that point's ordinate. None when two abscissae are equal, or when interrupted.
+std::optional<double> interpolatePolynomial(const PointTable& table, double at,
+                                            const InterruptTest& interrupted = {});
 
 // The diagonal rational function through all points, by the scheme of Bulirsch and Stoer
 // (Numerische Mathematik 6, 1964). At an abscissa it gives that point's ordinate. At a pole it is
-// infinite where the function has one sign on both sides, and not-a-number otherwise.
-double interpolateRational(const PointTable& table, double at);
+// infinite where the function has one sign on both sides, and not-a-number otherwise, or when
+// interrupted.
+double interpolateRational(const PointTable& table, double at,
+                           const InterruptTest& interrupted = {});
 
 }  // namespace vexa

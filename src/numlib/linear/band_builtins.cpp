@@ -58,8 +58,9 @@ double assemble() {
 
 void multiply(const Matrix& band, Matrix& v) {
   const ScopedVector product(v.cols());
-  bandMultiply(band.view(), v.elements(), product.values());
-  std::ranges::copy(product.values(), v.elements().begin());
+  const Outcome outcome = runAlgorithm(
+      [&] { return bandMultiply(band.view(), v.elements(), product.values(), askUser); });
+  if (outcome == Outcome::done) std::ranges::copy(product.values(), v.elements().begin());
 }
 
 // False when the run is over.
@@ -91,7 +92,7 @@ double multiplyOrSolve(char option) {
   }
   // A diagonal is its own factorisation.
   if (option == 'S' && band->cols() > 1 && !factorise(*band)) return noResult();
-  bandSolve(band->view(), v->elements());
+  runAlgorithm([&] { return bandSolve(band->view(), v->elements(), askUser); });
   return noResult();
 }
 
@@ -136,9 +137,10 @@ double trisolvBuiltin() {
   expectChar(')');
   if (!checkShapes(system)) return noResult();
   const ScopedVector gamma(system.d->cols());
-  const Outcome outcome =
-      tridiagonalSolve(system.a->elements(), system.d->elements(), system.c->elements(),
-                       system.r->elements(), gamma.values());
+  const Outcome outcome = runAlgorithm([&] {
+    return tridiagonalSolve(system.a->elements(), system.d->elements(), system.c->elements(),
+                            system.r->elements(), gamma.values(), askUser);
+  });
   requireRegular(outcome, system.d);
   return noResult();
 }

@@ -11,9 +11,6 @@ namespace vexa {
 
 namespace {
 
-// Elements that are updated between two questions.
-constexpr std::size_t kElementsBetween = std::size_t{1} << 22;
-
 std::size_t size(int count) { return static_cast<std::size_t>(count); }
 
 // Elements of row i (from 0) that lie inside the matrix.
@@ -39,33 +36,33 @@ Assembly bandAssemble(MatrixView band, ConstMatrixView element, std::span<const 
   return Assembly::done;
 }
 
-void bandMultiply(ConstMatrixView band, std::span<const double> v, std::span<double> product) {
+Outcome bandMultiply(ConstMatrixView band, std::span<const double> v, std::span<double> product,
+                     const InterruptTest& interrupted) {
   // Row i adds to its own element and, by symmetry, to those that it reaches. The part below the
   // diagonal of an element has then been added before its own row's turn.
   std::ranges::fill(product, 0.0);
   const VectorKernels& vectors = vectorKernels();
+  Pace pace(interrupted);
   for (int i = 0; i < band.rows; ++i) {
     const double* const row = band.row(i);
     const int length = lengthOfRow(band, i);
+    if (pace.stopsAfter(size(length))) return Outcome::interrupted;
     double sum = product[size(i)];
     for (int k = 0; k < length; ++k) sum += row[k] * v[size(i + k)];
     product[size(i)] = sum;
     vectors.exactAddRows(product.data() + i + 1, v.data() + i, 1, row + 1, 0, size(length - 1));
   }
+  return Outcome::done;
 }
 
 Outcome bandFactor(MatrixView band, long& zeroPivots, const InterruptTest& interrupted) {
   zeroPivots = 0;
   const VectorKernels& vectors = vectorKernels();
-  std::size_t work = 0;
+  Pace pace(interrupted);
   for (int i = 0; i + 1 < band.rows; ++i) {
     double* const row = band.row(i);
     const int length = lengthOfRow(band, i);
-    work += size(length) * size(length);
-    if (work >= kElementsBetween) {
-      work = 0;
-      if (asksToStop(interrupted)) return Outcome::interrupted;
-    }
+    if (pace.stopsAfter(size(length) * size(length))) return Outcome::interrupted;
     for (int k = 1; k < length; ++k) {
       if (row[k] == 0.0) continue;
       if (row[0] == 0.0) ++zeroPivots;
@@ -77,14 +74,16 @@ Outcome bandFactor(MatrixView band, long& zeroPivots, const InterruptTest& inter
   return Outcome::done;
 }
 
-void bandSolve(ConstMatrixView band, std::span<double> v) {
+Outcome bandSolve(ConstMatrixView band, std::span<double> v, const InterruptTest& interrupted) {
   const int n = band.rows;
   if (band.cols == 1) {
     for (int i = 0; i < n; ++i) v[size(i)] /= band(i, 0);
-    return;
+    return Outcome::done;
   }
   const VectorKernels& vectors = vectorKernels();
+  Pace pace(interrupted);
   for (int i = 0; i + 1 < n; ++i) {
+    if (pace.stopsAfter(size(band.cols))) return Outcome::interrupted;
     if (v[size(i)] == 0.0) continue;
     const double* const row = band.row(i);
     vectors.exactSubtractRow(v.data() + i + 1, v[size(i)], row + 1, size(lengthOfRow(band, i) - 1));
@@ -92,6 +91,7 @@ void bandSolve(ConstMatrixView band, std::span<double> v) {
   }
   v[size(n - 1)] /= band(n - 1, 0);
   for (int i = n - 2; i >= 0; --i) {
+    if (pace.stopsAfter(size(band.cols))) return Outcome::interrupted;
     const double* const row = band.row(i);
     const int length = lengthOfRow(band, i);
     // From the far end, so that the newest unknown, still on its way, is needed last.
@@ -99,6 +99,7 @@ void bandSolve(ConstMatrixView band, std::span<double> v) {
     for (int k = length - 1; k >= 1; --k) sum += row[k] * v[size(i + k)];
     v[size(i)] -= sum;
   }
+  return Outcome::done;
 }
 
 }  // namespace vexa

@@ -19,7 +19,8 @@ enum class Assembly { done, bandTooNarrow };
                                     std::span<const int> unknowns);
 
 // product = the whole symmetric matrix times v.
-void bandMultiply(ConstMatrixView band, std::span<const double> v, std::span<double> product);
+Outcome bandMultiply(ConstMatrixView band, std::span<const double> v, std::span<double> product,
+                     const InterruptTest& interrupted = {});
 
 // Replaces the band by its factors without pivoting: the diagonal of D in column 1, the rows of the
 // unit upper triangle behind it. A pivot of zero leads to elements that are not finite;
@@ -27,6 +28,6 @@ void bandMultiply(ConstMatrixView band, std::span<const double> v, std::span<dou
 [[nodiscard]] Outcome bandFactor(MatrixView band, long& zeroPivots,
                                  const InterruptTest& interrupted = {});
 // Replaces v by the solution, the band being what bandFactor left.
-void bandSolve(ConstMatrixView band, std::span<double> v);
+Outcome bandSolve(ConstMatrixView band, std::span<double> v, const InterruptTest& interrupted = {});
 
 }  // namespace vexa

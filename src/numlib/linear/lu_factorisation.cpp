@@ -15,8 +15,6 @@ namespace {
 
 // Columns that are eliminated one by one; wider parts are halved.
 constexpr int kLeaf = 16;
-// Elements that are updated between two questions in plain loops.
-constexpr std::size_t kElementsBetween = std::size_t{1} << 22;
 
 std::size_t size(int count) { return static_cast<std::size_t>(count); }
 
@@ -154,16 +152,21 @@ Outcome luFactor(MatrixView a, PivotList pivots, std::span<double> scale, double
   return Factorisation(a, pivots, scale, tolerance, sign, interrupted).run();
 }
 
-void luSolve(ConstMatrixView a, const PivotList& pivots, std::span<double> b) {
+Outcome luSolve(ConstMatrixView a, const PivotList& pivots, std::span<double> b,
+                const InterruptTest& interrupted) {
   const int n = a.rows;
+  Pace pace(interrupted);
   for (int j = 0; j < n; ++j) std::swap(b[size(j)], b[size(pivots[j])]);
   for (int i = 1; i < n; ++i) {
+    if (pace.stopsAfter(size(i))) return Outcome::interrupted;
     b[size(i)] = minusProduct(b[size(i)], {a.row(i), size(i)}, b.first(size(i)));
   }
   for (int i = n - 1; i >= 0; --i) {
     const std::size_t behind = size(n - 1 - i);
+    if (pace.stopsAfter(behind)) return Outcome::interrupted;
     b[size(i)] = minusProduct(b[size(i)], {a.row(i) + i + 1, behind}, b.last(behind)) / a(i, i);
   }
+  return Outcome::done;
 }
 
 bool fitsOrder(const PivotList& pivots, int n) {
@@ -206,19 +209,13 @@ Outcome gaussJordan(MatrixView a, std::span<double> b, PivotList rows, PivotList
   const VectorKernels& vectors = vectorKernels();
   replaced = 0;
   for (int i = 0; i < n; ++i) used.set(i, 0);
-  std::size_t work = 0;  // elements touched since the last question
-  const auto stopAfter = [&](std::size_t elements) {
-    work += elements;
-    if (work < kElementsBetween) return false;
-    work = 0;
-    return asksToStop(interrupted);
-  };
+  Pace pace(interrupted);
   for (int step = 0; step < n; ++step) {
     int pivotRow = -1, pivotCol = -1;
     double best = 0.0;
     for (int i = 0; i < n; ++i) {
       if (used[i]) continue;
-      if (stopAfter(size(n))) return Outcome::interrupted;
+      if (pace.stopsAfter(size(n))) return Outcome::interrupted;
       for (int k = 0; k < n; ++k) {
         if (!used[k] && std::fabs(a(i, k)) >= best) {  // the last of equals wins
           best = std::fabs(a(i, k));
@@ -247,7 +244,7 @@ Outcome gaussJordan(MatrixView a, std::span<double> b, PivotList rows, PivotList
     if (!b.empty()) b[size(pivotCol)] *= reciprocal;
     for (int i = 0; i < n; ++i) {
       if (i == pivotCol) continue;
-      if (stopAfter(size(n))) return Outcome::interrupted;
+      if (pace.stopsAfter(size(n))) return Outcome::interrupted;
       const double f = a(i, pivotCol);
       a(i, pivotCol) = 0.0;
       vectors.exactSubtractRow(a.row(i), f, row, size(n));

@@ -24,7 +24,8 @@ namespace vexa {
                                const InterruptTest& interrupted = {});
 
 // Replaces b by the solution, a and pivots being what luFactor left.
-void luSolve(ConstMatrixView a, const PivotList& pivots, std::span<double> b);
+Outcome luSolve(ConstMatrixView a, const PivotList& pivots, std::span<double> b,
+                const InterruptTest& interrupted = {});
 // Whether the numbers could come from luFactor of order n: as many as that, each a row at or below
 // its own.
 bool fitsOrder(const PivotList& pivots, int n);

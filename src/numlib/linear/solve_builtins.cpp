@@ -113,7 +113,7 @@ double factoriseGeneral(const SolveArguments& arguments) {
   if (!requireRegular(outcome, arguments.a)) return noResult();
   a.setTag(companion.keep());
   if (!solves) return diagonalProduct(a.view(), sign);
-  luSolve(a.view(), pivots, arguments.b->elements());
+  runAlgorithm([&] { return luSolve(a.view(), pivots, arguments.b->elements(), askUser); });
   return noResult();
 }
 
@@ -136,7 +136,8 @@ double solveAgain(const SolveArguments& arguments) {
     raiseError(ErrorKey::invalidData, arguments.a.name);
     return noResult();
   }
-  luSolve(a.view(), PivotList(companion->elements()), arguments.b->elements());
+  const PivotList pivots(companion->elements());
+  runAlgorithm([&] { return luSolve(a.view(), pivots, arguments.b->elements(), askUser); });
   return noResult();
 }
 
@@ -148,7 +149,7 @@ double solveSymmetric(const SolveArguments& arguments) {
     if (!requireRegular(outcome, arguments.a)) return noResult();
   }
   if (arguments.option == 'D') return diagonalProduct(a.view(), 1.0);
-  ldltSolve(a.view(), arguments.b->elements());
+  runAlgorithm([&] { return ldltSolve(a.view(), arguments.b->elements(), askUser); });
   return noResult();
 }
 

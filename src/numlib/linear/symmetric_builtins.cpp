@@ -70,7 +70,7 @@ double choleskyBuiltin() {
     runAlgorithm([&] { return choleskyInvertFactor(a->view(), row.values(), askUser); });
   }
   if (!b.given()) return 0.0;
-  choleskySolve(a->view(), b->elements());
+  runAlgorithm([&] { return choleskySolve(a->view(), b->elements(), askUser); });
   return noResult();
 }
 
@@ -102,7 +102,8 @@ double gaussBuiltin() {
     if (!requireRegular(outcome, a) || option == 'C') return noResult();
     vector[0] /= a->at(1, 1);
   }
-  substituteDownward(a->view(), vector, option == 'R' ? retained : 1);
+  const int first = option == 'R' ? retained : 1;
+  runAlgorithm([&] { return substituteDownward(arguments.a->view(), vector, first, askUser); });
   return noResult();
 }
 

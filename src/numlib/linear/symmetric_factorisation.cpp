@@ -14,26 +14,7 @@ namespace vexa {
 
 namespace {
 
-// Elements that are updated between two questions in plain loops.
-constexpr std::size_t kElementsBetween = std::size_t{1} << 22;
-
 std::size_t size(int count) { return static_cast<std::size_t>(count); }
-
-// Asks once in a while: after so many elements.
-class Pace {
- public:
-  explicit Pace(const InterruptTest& interrupted) : m_interrupted(interrupted) {}
-  bool stopsAfter(std::size_t elements) {
-    m_work += elements;
-    if (m_work < kElementsBetween) return false;
-    m_work = 0;
-    return asksToStop(m_interrupted);
-  }
-
- private:
-  const InterruptTest& m_interrupted;
-  std::size_t m_work = 0;
-};
 
 // Up to four numbers, each less the product of its own row with a common one. Side by side, their
 // sums do not wait for each other; each is taken in the order of k, upward or downward.
@@ -307,31 +288,41 @@ Outcome ldltFactor(MatrixView a, double tolerance, const InterruptTest& interrup
   return ldltPlain(blockOf(a), tolerance, false, pace);
 }
 
-void ldltSolve(ConstMatrixView a, std::span<double> b) {
+Outcome ldltSolve(ConstMatrixView a, std::span<double> b, const InterruptTest& interrupted) {
   const int n = a.rows;
+  Pace pace(interrupted);
   for (int j = 1; j < n; ++j) {
+    if (pace.stopsAfter(size(j))) return Outcome::interrupted;
     b[size(j)] = minusProduct(b[size(j)], {a.row(j), size(j)}, b.first(size(j)));
   }
   for (int j = 0; j < n; ++j) b[size(j)] /= a(j, j);
   // By columns of Lᵀ, which are rows of L.
   const VectorKernels& vectors = vectorKernels();
-  for (int m = n - 1; m > 0; --m) vectors.exactSubtractRow(b.data(), b[size(m)], a.row(m), size(m));
+  for (int m = n - 1; m > 0; --m) {
+    if (pace.stopsAfter(size(m))) return Outcome::interrupted;
+    vectors.exactSubtractRow(b.data(), b[size(m)], a.row(m), size(m));
+  }
+  return Outcome::done;
 }
 
 Outcome choleskyFactor(MatrixView a, const InterruptTest& interrupted) {
   return a.rows >= kernelOrder ? choleskyByPanels(a, interrupted) : choleskyPlain(a, interrupted);
 }
 
-void choleskySolve(ConstMatrixView a, std::span<double> b) {
+Outcome choleskySolve(ConstMatrixView a, std::span<double> b, const InterruptTest& interrupted) {
   const int n = a.rows;
+  Pace pace(interrupted);
   for (int i = 0; i < n; ++i) {
+    if (pace.stopsAfter(size(i))) return Outcome::interrupted;
     b[size(i)] = minusProduct(b[size(i)], {a.row(i), size(i)}, b.first(size(i))) / a(i, i);
   }
   const VectorKernels& vectors = vectorKernels();
   for (int i = n - 1; i >= 0; --i) {
+    if (pace.stopsAfter(size(i))) return Outcome::interrupted;
     b[size(i)] /= a(i, i);
     vectors.exactSubtractRow(b.data(), b[size(i)], a.row(i), size(i));
   }
+  return Outcome::done;
 }
 
 Outcome choleskyInvertFactor(MatrixView a, std::span<double> row,
@@ -356,17 +347,23 @@ Outcome eliminateUpward(MatrixView a, std::span<double> b, int retained, double 
   if (reduce == Reduce::matrixAndVector) {
     return UpwardElimination(a, b, tolerance, interrupted).run(retained);
   }
+  Pace pace(interrupted);
   for (int i = a.rows - 1; i >= retained; --i) {
+    if (pace.stopsAfter(size(i))) return Outcome::interrupted;
     if (std::fabs(a(i, i)) < tolerance) return Outcome::singular;
     UpwardElimination::eliminateFromVector(a, b, i);
   }
   return Outcome::done;
 }
 
-void substituteDownward(ConstMatrixView a, std::span<double> b, int first) {
+Outcome substituteDownward(ConstMatrixView a, std::span<double> b, int first,
+                           const InterruptTest& interrupted) {
+  Pace pace(interrupted);
   for (int m = first; m < a.rows; ++m) {
+    if (pace.stopsAfter(size(m))) return Outcome::interrupted;
     b[size(m)] = minusProduct(b[size(m)], {a.row(m), size(m)}, b.first(size(m))) / a(m, m);
   }
+  return Outcome::done;
 }
 
 }  // namespace vexa

@@ -19,14 +19,15 @@ namespace vexa {
 [[nodiscard]] Outcome ldltFactor(MatrixView a, double tolerance,
                                  const InterruptTest& interrupted = {});
 // Replaces b by the solution.
-void ldltSolve(ConstMatrixView a, std::span<double> b);
+Outcome ldltSolve(ConstMatrixView a, std::span<double> b, const InterruptTest& interrupted = {});
 
 // --- Cholesky. The upper triangle with the diagonal is the input, the lower one with the diagonal
 // receives L; what stands strictly above the diagonal stays.
 
 // Singular stands for a pivot that is not positive: a then holds the columns of L before it.
 [[nodiscard]] Outcome choleskyFactor(MatrixView a, const InterruptTest& interrupted = {});
-void choleskySolve(ConstMatrixView a, std::span<double> b);
+Outcome choleskySolve(ConstMatrixView a, std::span<double> b,
+                      const InterruptTest& interrupted = {});
 // Replaces L by its inverse; row is work space of n elements.
 [[nodiscard]] Outcome choleskyInvertFactor(MatrixView a, std::span<double> row,
                                            const InterruptTest& interrupted = {});
@@ -45,6 +46,7 @@ enum class Reduce {
                                       double tolerance, Reduce reduce,
                                       const InterruptTest& interrupted = {});
 // Solves for the unknowns first + 1 to n, from those before them, row by row; in place.
-void substituteDownward(ConstMatrixView a, std::span<double> b, int first);
+Outcome substituteDownward(ConstMatrixView a, std::span<double> b, int first,
+                           const InterruptTest& interrupted = {});
 
 }  // namespace vexa

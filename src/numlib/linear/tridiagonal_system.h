@@ -13,6 +13,7 @@ namespace vexa {
 // first: smaller than 1e-30) or not a number; r is then unspecified.
 [[nodiscard]] Outcome tridiagonalSolve(std::span<const double> a, std::span<const double> d,
                                        std::span<const double> c, std::span<double> r,
-                                       std::span<double> gamma);
+                                       std::span<double> gamma,
+                                       const InterruptTest& interrupted = {});
 
 }  // namespace vexa

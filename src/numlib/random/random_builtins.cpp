@@ -1,6 +1,8 @@
 #include "numlib/random/random_builtins.h"
 
+#include <algorithm>
 #include <limits>
+#include <span>
 
 #include "numlib/random/generators.h"
 #include "values/argument_readers.h"
@@ -31,6 +33,21 @@ std::int32_t newSequence(double s) {
 
 // Of zero, below and not-a-number the clock decides.
 std::int32_t seedFrom(double s) { return newSequence(s > 0 ? s : shell().clock()); }
+
+// The generator goes on where it stopped, so the stretches do not show in the numbers.
+void fillInStretches(std::span<double> elements, bool normal) {
+  constexpr std::size_t elementsBetweenPolls = std::size_t{1} << 18;
+  RandomSource& random = source();
+  while (!elements.empty()) {
+    const auto stretch = elements.first(std::min(elements.size(), elementsBetweenPolls));
+    if (normal)
+      random.normal.fill(stretch, random.fillSeed);
+    else
+      random.uniform.fill(stretch, random.fillSeed);
+    elements = elements.subspan(stretch.size());
+    pollInterrupt();
+  }
+}
 
 }  // namespace
 
@@ -64,11 +81,8 @@ double randfillBuiltin() {
   }
   Matrix& matrix = target.sized ? makeSized(target) : resultMatrix(target.name);
   random.fillSeed = seedFrom(s);
-  if (normal)
-    random.normal.fill(matrix.elements(), random.fillSeed);
-  else
-    random.uniform.fill(matrix.elements(), random.fillSeed);
   matrix.setTag(0);
+  fillInStretches(matrix.elements(), normal);
   return noResult();
 }
 

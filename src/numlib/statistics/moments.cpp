@@ -47,17 +47,24 @@ class CompensatedSum {
 
 // Values whose lanes are added up before the next ones: short sums round little.
 constexpr std::size_t blockSize = 16 * laneCount;
+// Values between two questions whether to stop; whole blocks, so that the digits are the same.
+constexpr std::size_t stretchSize = 2048 * blockSize;
 
+// Sum and extremes of the values so far. Not-a-number is never an extreme: it compares false.
 struct Extent {
-  double sum, largest, smallest;
+  explicit Extent(double undefined) {
+    const Four none = {undefined, undefined, undefined, undefined};
+    largest = {-none, -none};
+    smallest = {none, none};
+  }
+
+  CompensatedSum sum;
+  Lanes largest, smallest;
 };
 
-// Not-a-number is never an extreme: it compares false.
-[[gnu::always_inline]] inline Extent measureExtent(std::span<const double> values,
-                                                   double undefined) {
-  const Four none = {undefined, undefined, undefined, undefined};
-  Lanes largest{-none, -none}, smallest{none, none};
-  CompensatedSum sum;
+[[gnu::always_inline]] inline void addExtent(Extent& extent, std::span<const double> values) {
+  CompensatedSum sum = extent.sum;
+  Lanes largest = extent.largest, smallest = extent.smallest;
   const std::size_t grouped = values.size() / laneCount * laneCount;
   for (std::size_t i = 0; i < grouped;) {
     Lanes part;
@@ -72,30 +79,37 @@ struct Extent {
     }
     sum.add(total(part));
   }
-  largest.low = largest.high > largest.low ? largest.high : largest.low;
-  smallest.low = smallest.high < smallest.low ? smallest.high : smallest.low;
-  Extent extent{0.0, -undefined, undefined};
-  for (int k = 0; k < 4; ++k) {
-    if (largest.low[k] > extent.largest) extent.largest = largest.low[k];
-    if (smallest.low[k] < extent.smallest) extent.smallest = smallest.low[k];
-  }
   for (const double x : values.subspan(grouped)) {
     sum.add(x);
-    if (x > extent.largest) extent.largest = x;
-    if (x < extent.smallest) extent.smallest = x;
+    if (x > largest.low[0]) largest.low[0] = x;
+    if (x < smallest.low[0]) smallest.low[0] = x;
   }
-  extent.sum = sum.value();
-  return extent;
+  extent.sum = sum;
+  extent.largest = largest;
+  extent.smallest = smallest;
 }
 
+double largestOf(const Lanes& x) {
+  double largest = x.low[0];
+  for (int k = 0; k < 4; ++k) largest = std::max({largest, x.low[k], x.high[k]});
+  return largest;
+}
+
+double smallestOf(const Lanes& x) {
+  double smallest = x.low[0];
+  for (int k = 0; k < 4; ++k) smallest = std::min({smallest, x.low[k], x.high[k]});
+  return smallest;
+}
+
+// Sums of the powers of the deviations from `mean` so far.
 struct Deviations {
-  double absolute, plain, squares, cubes, fourths;
+  double mean = 0;
+  Lanes absolute, plain, squares, cubes, fourths;
 };
 
-[[gnu::always_inline]] inline Deviations sumDeviations(std::span<const double> values,
-                                                       double mean) {
-  const Four centre = {mean, mean, mean, mean};
-  Lanes absolute, plain, squares, cubes, fourths;
+[[gnu::always_inline]] inline void addDeviations(Deviations& sums, std::span<const double> values) {
+  const Four centre = {sums.mean, sums.mean, sums.mean, sums.mean};
+  Deviations s = sums;
   const std::size_t grouped = values.size() / laneCount * laneCount;
   for (std::size_t i = 0; i < grouped; i += laneCount) {
     const Lanes x = eightFrom(values.data() + i);
@@ -103,53 +117,58 @@ struct Deviations {
       const Four d = x.*half - centre;
       const Four d2 = d * d;
       const Four d3 = d2 * d;
-      absolute.*half += d < 0 ? -d : d;
-      plain.*half += d;
-      squares.*half += d2;
-      cubes.*half += d3;
-      fourths.*half += d3 * d;
+      s.absolute.*half += d < 0 ? -d : d;
+      s.plain.*half += d;
+      s.squares.*half += d2;
+      s.cubes.*half += d3;
+      s.fourths.*half += d3 * d;
     };
     add(&Lanes::low);
     add(&Lanes::high);
   }
-  Deviations sums{total(absolute), total(plain), total(squares), total(cubes), total(fourths)};
   for (const double x : values.subspan(grouped)) {
-    const double d = x - mean;
+    const double d = x - sums.mean;
     const double d2 = d * d;
-    sums.absolute += std::fabs(d);
-    sums.plain += d;
-    sums.squares += d2;
-    sums.cubes += d2 * d;
-    sums.fourths += d2 * d * d;
+    s.absolute.low[0] += std::fabs(d);
+    s.plain.low[0] += d;
+    s.squares.low[0] += d2;
+    s.cubes.low[0] += d2 * d;
+    s.fourths.low[0] += d2 * d * d;
   }
-  return sums;
+  sums = s;
 }
 
 #if defined(__x86_64__)
 // The same loops for processors with wider registers.
-[[gnu::target("avx2")]] Extent measureExtentWide(std::span<const double> values, double undefined) {
-  return measureExtent(values, undefined);
+[[gnu::target("avx2")]] void addExtentWide(Extent& extent, std::span<const double> values) {
+  addExtent(extent, values);
 }
-[[gnu::target("avx2")]] Deviations sumDeviationsWide(std::span<const double> values, double mean) {
-  return sumDeviations(values, mean);
+[[gnu::target("avx2")]] void addDeviationsWide(Deviations& sums, std::span<const double> values) {
+  addDeviations(sums, values);
 }
 bool hasWideRegisters() { return __builtin_cpu_supports("avx2"); }
 #else
-Extent measureExtentWide(std::span<const double> values, double undefined) {
-  return measureExtent(values, undefined);
-}
-Deviations sumDeviationsWide(std::span<const double> values, double mean) {
-  return sumDeviations(values, mean);
+void addExtentWide(Extent& extent, std::span<const double> values) { addExtent(extent, values); }
+void addDeviationsWide(Deviations& sums, std::span<const double> values) {
+  addDeviations(sums, values);
 }
 bool hasWideRegisters() { return false; }
 #endif
 
-Extent extentOf(std::span<const double> values, double undefined) {
-  return hasWideRegisters() ? measureExtentWide(values, undefined)
-                            : measureExtent(values, undefined);
-}
-Deviations deviationsOf(std::span<const double> values, double mean) {
-  return hasWideRegisters() ? sumDeviationsWide(values, mean) : sumDeviations(values, mean);
+// Hands stretches of the values to `add`, or to `addWide` where registers are wide. False when the
+// user wants to stop.
+template <class Sums>
+bool addAll(Sums& sums, void (*add)(Sums&, std::span<const double>),
+            void (*addWide)(Sums&, std::span<const double>), std::span<const double> values,
+            const InterruptTest& interrupted) {
+  const auto addStretch = hasWideRegisters() ? addWide : add;
+  while (values.size() > stretchSize) {
+    addStretch(sums, values.first(stretchSize));
+    values = values.subspan(stretchSize);
+    if (asksToStop(interrupted)) return false;
+  }
+  addStretch(sums, values);
+  return true;
 }
 
 }  // namespace
@@ -175,36 +194,44 @@ bool Selection::selects(double value) const {
   return false;
 }
 
-std::vector<double> selectValues(std::span<const double> elements, const Selection& selection) {
+std::vector<double> selectValues(std::span<const double> elements, const Selection& selection,
+                                 const InterruptTest& interrupted) {
   std::vector<double> values;
   values.reserve(elements.size());
+  Pace pace(interrupted);
   for (const double x : elements) {
+    if (pace.stopsAfter(1)) return {};
     const double value = selection.valueOf(x);
     if (selection.selects(value)) values.push_back(value);
   }
   return values;
 }
 
-Moments computeMoments(std::span<const double> values, double undefined) {
-  Moments m;
-  const Extent extent = extentOf(values, undefined);
+std::optional<Moments> computeMoments(std::span<const double> values, double undefined,
+                                      const InterruptTest& interrupted) {
+  Extent extent(undefined);
+  if (!addAll(extent, addExtent, addExtentWide, values, interrupted)) return std::nullopt;
   const auto n = static_cast<double>(values.size());
+  Moments m;
   m.count = n;
-  m.sum = extent.sum;
-  m.largest = extent.largest;
-  m.smallest = extent.smallest;
+  m.sum = extent.sum.value();
+  m.largest = largestOf(extent.largest);
+  m.smallest = smallestOf(extent.smallest);
   m.mean = m.meanDeviation = m.variance = m.standardDeviation = undefined;
   m.skewness = m.kurtosis = undefined;
   if (values.empty()) return m;
   m.mean = m.sum / n;
-  const Deviations d = deviationsOf(values, m.mean);
-  m.meanDeviation = d.absolute / n;
+  Deviations d;
+  d.mean = m.mean;
+  if (!addAll(d, addDeviations, addDeviationsWide, values, interrupted)) return std::nullopt;
+  m.meanDeviation = total(d.absolute) / n;
   if (values.size() == 1) return m;
-  m.variance = (d.squares - d.plain * d.plain / n) / (n - 1);
+  const double plain = total(d.plain);
+  m.variance = (total(d.squares) - plain * plain / n) / (n - 1);
   m.standardDeviation = std::sqrt(m.variance);
   if (m.variance == 0) return m;
-  m.skewness = d.cubes / (n * m.variance * m.standardDeviation);
-  m.kurtosis = d.fourths / (n * m.variance * m.variance) - 3.0;
+  m.skewness = total(d.cubes) / (n * m.variance * m.standardDeviation);
+  m.kurtosis = total(d.fourths) / (n * m.variance * m.variance) - 3.0;
   return m;
 }
 

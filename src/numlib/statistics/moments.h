@@ -3,8 +3,11 @@
 // Count, sum, extremes, mean, deviations, skewness and kurtosis of selected elements.
 
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <vector>
+
+#include "numlib/linear/interrupt_test.h"
 
 namespace vexa {
 
@@ -25,8 +28,9 @@ struct Selection {
   bool selects(double value) const;
 };
 
-// The selected values in their order.
-std::vector<double> selectValues(std::span<const double> elements, const Selection& selection);
+// The selected values in their order; none when interrupted.
+std::vector<double> selectValues(std::span<const double> elements, const Selection& selection,
+                                 const InterruptTest& interrupted = {});
 
 struct Moments {
   double count = 0;
@@ -45,7 +49,9 @@ struct Moments {
 // Statistician 37 (1983), page 242). What is not defined takes the value `undefined`: everything
 // but count and sum without values, variance and beyond for a single one, skewness and kurtosis of
 // equal values. The search for the extremes starts from minus `undefined` and from `undefined`.
-Moments computeMoments(std::span<const double> values, double undefined);
+// None when interrupted.
+std::optional<Moments> computeMoments(std::span<const double> values, double undefined,
+                                      const InterruptTest& interrupted = {});
 
 // The place, counted from 1, of the first selected element of the given value, or of the last
 // selected element; 0 when there is none.

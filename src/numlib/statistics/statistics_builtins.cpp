@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cmath>
 #include <new>
+#include <optional>
 #include <string_view>
 #include <vector>
 
+#include "numlib/linear/linear_common_builtins.h"
 #include "numlib/statistics/moments.h"
 #include "values/argument_readers.h"
 #include "values/numeric_arguments.h"
@@ -69,15 +71,16 @@ class ReferencedElements {
   std::span<const double> m_elements;
 };
 
-Moments momentsOf(std::span<const double> elements, const Selection& selection, double undefined) {
-  if (selection.all()) return computeMoments(elements, undefined);
+std::optional<Moments> momentsOf(std::span<const double> elements, const Selection& selection,
+                                 double undefined) {
+  if (selection.all()) return computeMoments(elements, undefined, askUser);
   std::vector<double> values;
   try {
-    values = selectValues(elements, selection);
+    values = selectValues(elements, selection, askUser);
   } catch (const std::bad_alloc&) {
     raiseError(ErrorKey::allocationFailed);
   }
-  return computeMoments(values, undefined);
+  return computeMoments(values, undefined, askUser);
 }
 
 // The place that row# and col# tell of, or 0.
@@ -159,10 +162,11 @@ double statisticsBuiltin() {
   }
   const ReferencedElements referenced(reference);
   const std::span<const double> elements = referenced.elements();
-  const Moments moments = momentsOf(elements, selection, presetValue("i#"));
-  storeMoments(moments);
-  storePlace(recordedPlace(builtin, moments, elements, selection), reference);
-  return resultOf(builtin, moments);
+  const std::optional<Moments> moments = momentsOf(elements, selection, presetValue("i#"));
+  if (!moments) return 0.0;
+  storeMoments(*moments);
+  storePlace(recordedPlace(builtin, *moments, elements, selection), reference);
+  return resultOf(builtin, *moments);
 }
 
 }  // namespace vexa

@@ -21,29 +21,40 @@ struct Complex {
 
 constexpr double twoPi = 6.28318530717959;
 constexpr std::size_t cachedPoints = 1024;  // 16 kB, beside their factors
+constexpr std::size_t pointsBetweenQuestions = std::size_t{1} << 18;
 
 // The factors of the stage with blocks of 2 h points stand from h to 2 h - 1: powers of
 // exp(2 pi i s / (2 h)), each made from the one before by the trigonometric recurrence.
 class TwiddleTable {
  public:
-  TwiddleTable(std::size_t points, double sign)
-      : m_factors(std::make_unique_for_overwrite<Complex[]>(points)) {
-    for (std::size_t h = 1; h < points; h *= 2) fillStage(h, sign);
+  explicit TwiddleTable(std::size_t points)
+      : m_points(points), m_factors(std::make_unique_for_overwrite<Complex[]>(points)) {}
+  // False when the user wants to stop.
+  bool fill(double sign, const InterruptTest& interrupted) {
+    for (std::size_t h = 1; h < m_points; h *= 2) {
+      if (!fillStage(h, sign, interrupted)) return false;
+    }
+    return true;
   }
   const Complex* stage(std::size_t h) const { return m_factors.get() + h; }
 
  private:
-  void fillStage(std::size_t h, double sign) {
+  bool fillStage(std::size_t h, double sign, const InterruptTest& interrupted) {
     const double angle = twoPi / (static_cast<double>(2 * h) * sign);
     const double halfSine = std::sin(0.5 * angle);
     const Complex step{-2.0 * halfSine * halfSine, std::sin(angle)};
     Complex w{1.0, 0.0};
-    for (Complex* factor = m_factors.get() + h; factor != m_factors.get() + 2 * h; ++factor) {
-      *factor = w;
-      w = {w.re * step.re - w.im * step.im + w.re, w.im * step.re + w.re * step.im + w.im};
+    for (std::size_t i = h; i < 2 * h;) {
+      if (i % pointsBetweenQuestions == 0 && asksToStop(interrupted)) return false;
+      for (const std::size_t end = std::min(2 * h, i + pointsBetweenQuestions); i < end; ++i) {
+        m_factors[i] = w;
+        w = {w.re * step.re - w.im * step.im + w.re, w.im * step.re + w.re * step.im + w.im};
+      }
     }
+    return true;
   }
 
+  std::size_t m_points;
   std::unique_ptr<Complex[]> m_factors;
 };
 
@@ -91,14 +102,18 @@ void storeTile(Complex* v, std::size_t middle, int bits, const Tile& tile) {
                 v + (upper << (bits - edgeBits)) + (middle << edgeBits));
 }
 
-void reorder(Complex* v, int bits) {
+bool reorder(Complex* v, int bits, const InterruptTest& interrupted) {
   const int middleBits = bits - 2 * edgeBits;
   if (middleBits < 0) {
     reorderShort(v, bits);
-    return;
+    return true;
   }
+  constexpr std::size_t tilesBetweenQuestions = pointsBetweenQuestions / (edge * edge);
   Tile one, other;
   for (std::size_t i = 0; i < std::size_t{1} << middleBits; ++i) {
+    if (i % tilesBetweenQuestions == tilesBetweenQuestions - 1 && asksToStop(interrupted)) {
+      return false;
+    }
     const std::size_t j = reverseBits(i, middleBits);
     if (i > j) continue;
     loadTile(v, i, bits, one);
@@ -108,6 +123,7 @@ void reorder(Complex* v, int bits) {
     }
     storeTile(v, j, bits, one);
   }
+  return true;
 }
 
 // ---- Butterflies ----
@@ -159,14 +175,19 @@ void firstTwoStages(Complex* v, std::size_t n, const TwiddleTable& table) {
   }
 }
 
+// Which butterflies of a block: those of its points from `from` to before `to`, both even.
+struct Stretch {
+  std::size_t from, to;
+};
+
 // The stages with blocks of 2 h and of 4 h points, h being even.
 [[gnu::always_inline]] inline void doubleStage(Complex* v, std::size_t n, std::size_t h,
-                                               const TwiddleTable& table) {
+                                               Stretch stretch, const TwiddleTable& table) {
   const Complex* w1 = table.stage(h);
   const Complex* w2 = table.stage(2 * h);
   for (std::size_t block = 0; block < n; block += 4 * h) {
     Complex* p = v + block;
-    for (std::size_t m = 0; m < h; m += 2) {
+    for (std::size_t m = stretch.from; m < stretch.to; m += 2) {
       Pair a, b, c, d;
       load(a, p + m);
       load(b, p + m + h);
@@ -186,54 +207,75 @@ void firstTwoStages(Complex* v, std::size_t n, const TwiddleTable& table) {
 
 #if defined(__x86_64__)
 [[gnu::target("avx2")]] void doubleStageWide(Complex* v, std::size_t n, std::size_t h,
-                                             const TwiddleTable& table) {
-  doubleStage(v, n, h, table);
+                                             Stretch stretch, const TwiddleTable& table) {
+  doubleStage(v, n, h, stretch, table);
 }
 #endif
 
-void runDoubleStage(Complex* v, std::size_t n, std::size_t h, const TwiddleTable& table) {
+void runDoubleStage(Complex* v, std::size_t n, std::size_t h, Stretch stretch,
+                    const TwiddleTable& table) {
 #if defined(__x86_64__)
   if (__builtin_cpu_supports("avx2")) {
-    doubleStageWide(v, n, h, table);
+    doubleStageWide(v, n, h, stretch, table);
     return;
   }
 #endif
-  doubleStage(v, n, h, table);
+  doubleStage(v, n, h, stretch, table);
 }
 
-void runStages(Complex* v, std::size_t n, const TwiddleTable& table) {
+// All stages of a part that fits the cache.
+void runCachedStages(Complex* v, std::size_t n, const TwiddleTable& table) {
   std::size_t h;
-  if (n > 2 * cachedPoints) {
-    const std::size_t quarter = n / 4;
-    for (std::size_t i = 0; i < 4; ++i) runStages(v + i * quarter, quarter, table);
-    h = quarter;
-  } else if (std::countr_zero(n) % 2 == 1) {
+  if (std::countr_zero(n) % 2 == 1) {
     firstStage(v, n, table);
     h = 2;
   } else {
     firstTwoStages(v, n, table);
     h = 4;
   }
-  for (; h < n; h *= 4) runDoubleStage(v, n, h, table);
+  for (; h < n; h *= 4) runDoubleStage(v, n, h, {0, h}, table);
+}
+
+bool runStages(Complex* v, std::size_t n, const TwiddleTable& table,
+               const InterruptTest& interrupted) {
+  if (n <= 2 * cachedPoints) {
+    runCachedStages(v, n, table);
+    return true;
+  }
+  const std::size_t quarter = n / 4;
+  for (std::size_t i = 0; i < 4; ++i) {
+    if (!runStages(v + i * quarter, quarter, table, interrupted)) return false;
+  }
+  constexpr std::size_t step = pointsBetweenQuestions / 4;
+  for (std::size_t from = 0; from < quarter; from += step) {
+    if (quarter >= step && asksToStop(interrupted)) return false;
+    runDoubleStage(v, n, quarter, {from, std::min(from + step, quarter)}, table);
+  }
+  return true;
 }
 
 }  // namespace
 
 bool isTransformLength(std::size_t points) { return points >= 4 && std::has_single_bit(points); }
 
-void fourierTransform(std::span<double> parts, FourierDirection direction) {
+Outcome fourierTransform(std::span<double> parts, FourierDirection direction,
+                         const InterruptTest& interrupted) {
   const std::size_t n = parts.size() / 2;
-  if (n < 2) return;
+  if (n < 2) return Outcome::done;
   static_assert(sizeof(Complex) == 2 * sizeof(double));
   auto* v = reinterpret_cast<Complex*>(parts.data());
   const bool inverse = direction == FourierDirection::inverse;
-  const TwiddleTable table(n, inverse ? -1.0 : 1.0);
-  reorder(v, std::countr_zero(n));
-  runStages(v, n, table);
-  if (!inverse) return;
+  TwiddleTable table(n);
+  if (!table.fill(inverse ? -1.0 : 1.0, interrupted) ||
+      !reorder(v, std::countr_zero(n), interrupted) || !runStages(v, n, table, interrupted)) {
+    return Outcome::interrupted;
+  }
   // A power of two: the product is the quotient, bit for bit.
   const double scale = 1.0 / static_cast<double>(n);
-  for (double& x : parts) x *= scale;
+  if (inverse) {
+    for (double& x : parts) x *= scale;
+  }
+  return Outcome::done;
 }
 
 }  // namespace vexa

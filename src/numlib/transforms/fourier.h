@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <span>
 
+#include "numlib/linear/interrupt_test.h"
+
 namespace vexa {
 
 enum class FourierDirection {
@@ -16,7 +18,9 @@ enum class FourierDirection {
 bool isTransformLength(std::size_t points);
 
 // Transforms in place. `parts` holds twice as many numbers as points, of which there are a power of
-// two. Beside it a table of as many twiddle factors as points is kept meanwhile.
-void fourierTransform(std::span<double> parts, FourierDirection direction);
+// two. Beside it a table of as many twiddle factors as points is kept meanwhile. Interrupted, the
+// numbers are of no use.
+Outcome fourierTransform(std::span<double> parts, FourierDirection direction,
+                         const InterruptTest& interrupted = {});
 
 }  // namespace vexa

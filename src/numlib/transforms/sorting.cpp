@@ -19,6 +19,20 @@ namespace {
 constexpr std::size_t networkSize = 16;
 constexpr std::size_t insertionSize = 24;
 constexpr std::size_t manyKeys = 256;  // from here on the pivot is looked for among nine keys
+constexpr std::size_t keysBetweenQuestions = std::size_t{1} << 18;
+
+// Whoever asks has put down what it had in hand: the question may throw, and then the keys are a
+// permutation of what they were. Once it has said yes, all that runs comes to its end.
+class StopQuestion {
+ public:
+  explicit StopQuestion(const InterruptTest& interrupted) : m_interrupted(interrupted) {}
+  bool ask() { return m_stopped = m_stopped || asksToStop(m_interrupted); }
+  bool stopped() const { return m_stopped; }
+
+ private:
+  const InterruptTest& m_interrupted;
+  bool m_stopped = false;
+};
 
 // What is sorted: keys alone, or keys that each take a companion along. An Item is a key in hand.
 struct PlainKeys {
@@ -99,9 +113,14 @@ void sink(Keys v, std::size_t at, std::size_t n) {
 }
 
 template <class Keys>
-void heapSort(Keys v, std::size_t n) {
-  for (std::size_t i = n / 2; i-- > 0;) sink(v, i, n);
+void heapSort(Keys v, std::size_t n, StopQuestion& question) {
+  constexpr std::size_t sinksBetweenQuestions = 1 << 16;
+  for (std::size_t i = n / 2; i-- > 0;) {
+    if (i % sinksBetweenQuestions == 0 && question.ask()) return;
+    sink(v, i, n);
+  }
   for (std::size_t last = n; last-- > 1;) {
+    if (last % sinksBetweenQuestions == 0 && question.ask()) return;
     exchange(v, 0, last);
     sink(v, 0, last);
   }
@@ -178,45 +197,53 @@ std::size_t choosePivot(const double* keys, std::size_t n) {
 // Moves the keys for which `goesLeft` to the front and returns how many they are. Each step moves
 // two keys whatever the answer, along a gap that wanders through the part.
 template <class Keys, class GoesLeft>
-[[gnu::always_inline]] inline std::size_t partition(Keys v, std::size_t n, GoesLeft goesLeft) {
+[[gnu::always_inline]] inline std::size_t partition(Keys v, std::size_t n, GoesLeft goesLeft,
+                                                    StopQuestion& question) {
   if (n == 0) return 0;
   const auto first = v.take(0);
   std::size_t left = 0, gap = 0;
-  for (std::size_t i = 1; i < n; ++i) {
-    // Invariant: the gap lies at or beyond `left`; keys before `left` go left, others do not.
-    const auto item = v.take(i);
+  for (std::size_t i = 1;;) {
+    for (const std::size_t end = std::min(n, i + keysBetweenQuestions); i < end; ++i) {
+      // Invariant: the gap lies at or beyond `left`; keys before `left` go left, others do not.
+      const auto item = v.take(i);
+      v.copy(gap, left);
+      v.put(left, item);
+      gap = i;
+      left += goesLeft(Keys::keyOf(item)) ? 1u : 0u;
+    }
+    // The first key fills the gap, and takes it along to `left`.
     v.copy(gap, left);
-    v.put(left, item);
-    gap = i;
-    left += goesLeft(Keys::keyOf(item)) ? 1u : 0u;
+    v.put(left, first);
+    if (i >= n || question.ask()) break;
+    gap = left;
   }
-  v.copy(gap, left);
-  v.put(left, first);
   return left + (goesLeft(Keys::keyOf(first)) ? 1u : 0u);
 }
 
 // Sorts n keys. `floor`, if given, is a key that none of them is below: when the pivot equals it,
 // all keys equal to it are set apart at once, so that few different keys are sorted in linear time.
 template <class Keys>
-void quickSort(Keys v, std::size_t n, int budget, const double* floor) {
-  while (!sortShort(v, n)) {
+void quickSort(Keys v, std::size_t n, int budget, const double* floor, StopQuestion& question) {
+  while (!question.stopped() && !sortShort(v, n)) {
     if (budget-- == 0) {
-      heapSort(v, n);
+      heapSort(v, n, question);
       return;
     }
     const std::size_t at = choosePivot(v.keys, n);
     const double pivot = v.keys[at];
     if (floor && !(*floor < pivot)) {
-      const std::size_t equal = partition(v, n, [pivot](double x) { return !(pivot < x); });
+      const std::size_t equal = partition(
+          v, n, [pivot](double x) { return !(pivot < x); }, question);
       v = v.from(equal);
       n -= equal;
       floor = nullptr;
       continue;
     }
     exchange(v, 0, at);
-    const std::size_t below = partition(v.from(1), n - 1, [pivot](double x) { return x < pivot; });
+    const std::size_t below = partition(
+        v.from(1), n - 1, [pivot](double x) { return x < pivot; }, question);
     exchange(v, 0, below);
-    quickSort(v, below, budget, floor);
+    quickSort(v, below, budget, floor, question);
     v = v.from(below);
     floor = v.keys;
     v = v.from(1);
@@ -225,21 +252,29 @@ void quickSort(Keys v, std::size_t n, int budget, const double* floor) {
 }
 
 template <class Keys>
-void sortKeys(Keys v, std::size_t n) {
+Outcome sortKeys(Keys v, std::size_t n, const InterruptTest& interrupted) {
   n = setApartNotANumber(v, n);
-  quickSort(v, n, 2 * static_cast<int>(std::bit_width(n)), nullptr);
+  StopQuestion question(interrupted);
+  quickSort(v, n, 2 * static_cast<int>(std::bit_width(n)), nullptr, question);
+  return question.stopped() ? Outcome::interrupted : Outcome::done;
 }
 
 }  // namespace
 
-void sortAscending(std::span<double> values) { sortKeys(PlainKeys{values.data()}, values.size()); }
-
-void sortAscending(std::span<double> keys, std::span<double> companions) {
-  sortKeys(PairedKeys{keys.data(), companions.data()}, keys.size());
+Outcome sortAscending(std::span<double> values, const InterruptTest& interrupted) {
+  return sortKeys(PlainKeys{values.data()}, values.size(), interrupted);
 }
 
-void heapSortAscending(std::span<double> keys, std::span<double> companions) {
-  heapSort(PairedKeys{keys.data(), companions.data()}, keys.size());
+Outcome sortAscending(std::span<double> keys, std::span<double> companions,
+                      const InterruptTest& interrupted) {
+  return sortKeys(PairedKeys{keys.data(), companions.data()}, keys.size(), interrupted);
+}
+
+Outcome heapSortAscending(std::span<double> keys, std::span<double> companions,
+                          const InterruptTest& interrupted) {
+  StopQuestion question(interrupted);
+  heapSort(PairedKeys{keys.data(), companions.data()}, keys.size(), question);
+  return question.stopped() ? Outcome::interrupted : Outcome::done;
 }
 
 }  // namespace vexa

@@ -1,9 +1,9 @@
 #include "numlib/transforms/transform_builtins.h"
 
-#include <new>
 #include <string>
 
 #include "interp/message_box.h"
+#include "numlib/linear/linear_common_builtins.h"
 #include "numlib/transforms/fourier.h"
 #include "numlib/transforms/sorting.h"
 #include "values/argument_readers.h"
@@ -14,8 +14,8 @@ double sortBuiltin() {
   expectChar('(');
   const MatrixArgument keys = readMatrix();
   if (!moreArguments()) {
-    sortAscending(keys->elements());
     keys->setTag(0);
+    runAlgorithm([&] { return sortAscending(keys->elements(), askUser); });
     return noResult();
   }
   const MatrixArgument companions = readMatrix();
@@ -29,9 +29,9 @@ double sortBuiltin() {
     raiseError(ErrorKey::conflictsWithParameter, name);
     return noResult();
   }
-  sortAscending(keys->elements(), companions->elements());
   keys->setTag(0);
   companions->setTag(0);
+  runAlgorithm([&] { return sortAscending(keys->elements(), companions->elements(), askUser); });
   return noResult();
 }
 
@@ -51,13 +51,12 @@ double fftBuiltin() {
     raiseError(ErrorKey::invalidData);
     return noResult();
   }
-  try {
-    fourierTransform(parts->elements(),
-                     direction > 0 ? FourierDirection::forward : FourierDirection::inverse);
-  } catch (const std::bad_alloc&) {
-    raiseError(ErrorKey::allocationFailed);
-  }
   parts->setTag(0);
+  runAlgorithm([&] {
+    return fourierTransform(parts->elements(),
+                            direction > 0 ? FourierDirection::forward : FourierDirection::inverse,
+                            askUser);
+  });
   return noResult();
 }
 

@@ -70,7 +70,7 @@ Values transformPlainly(Values v, double sign) {
 }
 
 TEST(Fourier, EveryButterflyIsComputedAsDescribed) {
-  for (std::size_t n = 4; n <= 1u << 15; n *= 2) {
+  for (std::size_t n = 4; n <= 1u << 18; n *= n < 1u << 14 ? 2 : 16) {
     const Values v = randomValues(2 * n, 99);
     for (const auto direction : {forward, inverse}) {
       Values result = v;
@@ -116,6 +116,20 @@ TEST(Fourier, InverseRestoresAndEnergyStays) {
     EXPECT_NEAR(norm(result) / (std::sqrt(n) * norm(v)), 1, 1e-11) << n;
     fourierTransform(result, inverse);
     for (std::size_t i = 0; i < v.size(); ++i) ASSERT_NEAR(result[i], v[i], 1e-10) << n;
+  }
+}
+
+TEST(Fourier, StopsAtEveryQuestion) {
+  int questions = 0, last = 0;
+  Values v(std::size_t{1} << 20);
+  const InterruptTest stop = [&] { return ++questions == last; };
+  EXPECT_EQ(fourierTransform(v, forward, stop), Outcome::done);
+  const int all = questions;
+  EXPECT_GT(all, 4);
+  for (last = 1; last <= all; ++last) {
+    questions = 0;
+    EXPECT_EQ(fourierTransform(v, forward, stop), Outcome::interrupted);
+    EXPECT_EQ(questions, last);
   }
 }
 

@@ -73,22 +73,48 @@ TEST(Sorting, CompanionsStayWithTheirKeys) {
   constexpr unsigned seed = 1234;
   SCOPED_TRACE("seed " + std::to_string(seed));
   Random random(seed);
-  const auto sorts = {static_cast<void (*)(std::span<double>, std::span<double>)>(sortAscending),
-                      heapSortAscending};
-  for (const auto sort : sorts) {
+  using Sort = Outcome(std::span<double>, std::span<double>, const InterruptTest&);
+  for (Sort* const sort : {static_cast<Sort*>(sortAscending), &heapSortAscending}) {
     for (const Pattern& pattern : patterns) {
       for (const int n : {0, 1, 2, 24, 25, 300, 3000}) {
         const Values before = makeValues(pattern, n, random);
         Values places(before.size());
         std::iota(places.begin(), places.end(), 0.0);
         Values keys = before;
-        sort(keys, places);
+        EXPECT_EQ(sort(keys, places, {}), Outcome::done);
         ASSERT_TRUE(std::is_sorted(keys.begin(), keys.end())) << pattern.name << ", " << n;
         for (std::size_t i = 0; i < keys.size(); ++i)
           ASSERT_EQ(keys[i], before[static_cast<std::size_t>(places[i])]) << pattern.name;
         std::sort(places.begin(), places.end());
         for (int i = 0; i < n; ++i) ASSERT_EQ(places[static_cast<std::size_t>(i)], i);
       }
+    }
+  }
+}
+
+// The question may also throw: nothing may be in hand then.
+TEST(Sorting, InterruptedKeysAreAPermutationWithTheirCompanions) {
+  Random random(5);
+  const Values before = makeValues(patterns[0], 600000, random);
+  for (const bool throws : {false, true}) {
+    for (const int last : {1, 2, 3}) {
+      Values keys = before, places(before.size());
+      std::iota(places.begin(), places.end(), 0.0);
+      int questions = 0;
+      const InterruptTest stop = [&] {
+        const bool stops = ++questions == last;
+        if (stops && throws) throw questions;
+        return stops;
+      };
+      try {
+        EXPECT_EQ(sortAscending(keys, places, stop), Outcome::interrupted);
+      } catch (int) {
+      }
+      EXPECT_EQ(questions, last);
+      for (std::size_t i = 0; i < keys.size(); ++i)
+        ASSERT_EQ(keys[i], before[static_cast<std::size_t>(places[i])]);
+      std::sort(places.begin(), places.end());
+      for (std::size_t i = 0; i < places.size(); ++i) ASSERT_EQ(places[i], i);
     }
   }
 }
