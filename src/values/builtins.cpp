@@ -17,6 +17,7 @@
 #include "numlib/interpolation/interpolation_builtins.h"
 #include "numlib/linear/linear_builtins.h"
 #include "numlib/random/random_builtins.h"
+#include "numlib/special/special_builtins.h"
 #include "numlib/statistics/statistics_builtins.h"
 #include "numlib/transforms/transform_builtins.h"
 #include "values/catalogs.h"
@@ -82,6 +83,10 @@ constexpr Group groups[] = {
     {scalarFunctionBuiltin,
      "abs acos asin atan ceil cos cosh erf exp factrl floor gammaln log10 ln round sin sinh sqrt "
      "tan tanh truncate"},
+    {twoArgumentBuiltin,
+     "atan2 beta binom ellipe ellipf ellipi gammainc gez hcoc hcos hsoc hsos hypot mod sign"},
+    {betaincBuiltin, "betainc"},
+    {besselBuiltin, "bessi bessj bessk bessy"},
     // Run-time options and value built-ins.
     {deleteBuiltin, "delete"},
     {execBuiltin, "exec"},
@@ -146,8 +151,6 @@ constexpr std::string_view laterMembers = "plot plotanimate";
 
 // Groups whose handler is still to come.
 constexpr std::string_view laterGroups[] = {
-    // Scalar mathematical functions with two arguments.
-    "atan2 beta binom ellipe ellipf ellipi gammainc gez hcoc hcos hsoc hsos hypot mod sign",
     // Numerical library.
     "cabs ccos cexp cln csin csqrt ctan ptor rtop",
     "roots",
@@ -161,11 +164,9 @@ constexpr std::string_view laterGroups[] = {
     "curl div jacob",
     "odesint",
     "poly",
-    "bessi bessj bessk bessy",
     "spline splint",
     "simplx",
     "polycoe",
-    "betainc",
     "correlation ftest studente studentp studentu",
     "movingaverage",
     // Plotting.

@@ -18,7 +18,7 @@ namespace {
 using Part = MatrixReference::Part;
 
 // Functions of many elements may be slow each, so Esc is asked for often.
-constexpr std::size_t elementsBetweenPolls = 1024;
+constexpr std::size_t elementsBetweenPolls = 64;
 
 // Whether the next token is the mark of a matrix expression; it stays unread.
 bool markFollows() {

@@ -101,9 +101,12 @@ Real fractionForQ(Real a, Real x) {
 }
 
 // Temme's uniform expansion, P = erfc(-eta sqrt(a/2)) / 2 - e^(-a eta^2/2) (c0 + c1/a) /
-// sqrt(2 pi a), where eta^2/2 = (x-a)/a - ln(x/a) and eta has the sign of x - a. Where e^(...) is
-// not zero, |eta| is below 0.0125 for these a: the powers left out do not reach 64 bits.
-Real uniformForP(Real a, Real x) {
+// sqrt(2 pi a), where eta^2/2 = (x-a)/a - ln(x/a) and eta has the sign of x - a; Q is the same with
+// both signs turned. Where e^(...) is not zero, |eta| is below 0.0125 for these a: the powers left
+// out do not reach 64 bits.
+enum class Side { lower, upper };
+
+Real uniform(Real a, Real x, Side side) {
   const Real halfSquare = -logRatioMinusExcess(a, x);
   const Real eta = std::copysign(std::sqrt(2 * halfSquare), x - a);
   const Real c0 =
@@ -113,8 +116,9 @@ Real uniformForP(Real a, Real x) {
                               eta * (1.0L / 864 + eta * (1.0L / 2835 - eta * (139.0L / 777600)))));
   const Real c1 = -1.0L / 540 + eta * (-1.0L / 288 + eta * (1.0L / 378));
   const Real correction = std::exp(-a * halfSquare) * (c0 + c1 / a) / std::sqrt(kTwoPi * a);
-  return std::erfc(-std::copysign(std::sqrt(a * halfSquare), eta)) / 2 -
-         (std::isfinite(correction) ? correction : 0.0L);
+  const Real sign = side == Side::lower ? -1 : 1;
+  return std::erfc(sign * std::copysign(std::sqrt(a * halfSquare), eta)) / 2 +
+         sign * (std::isfinite(correction) ? correction : 0.0L);
 }
 
 }  // namespace
@@ -125,9 +129,18 @@ double regularizedGammaP(double a, double x) {
   if (!(a > 0) || !(x >= 0) || (std::isinf(a) && std::isinf(x))) return kNaN;
   if (x == 0 || std::isinf(a)) return 0.0;
   if (std::isinf(x)) return 1.0;
-  if (a >= kUniformFrom) return static_cast<double>(uniformForP(a, x));
+  if (a >= kUniformFrom) return static_cast<double>(uniform(a, x, Side::lower));
   if (x < a + 1) return static_cast<double>(seriesForP(a, x));
   return static_cast<double>(1 - fractionForQ(a, x));
+}
+
+double regularizedGammaQ(double a, double x) {
+  if (!(a > 0) || !(x >= 0) || (std::isinf(a) && std::isinf(x))) return kNaN;
+  if (x == 0 || std::isinf(a)) return 1.0;
+  if (std::isinf(x)) return 0.0;
+  if (a >= kUniformFrom) return static_cast<double>(uniform(a, x, Side::upper));
+  if (x < a + 1) return static_cast<double>(1 - seriesForP(a, x));
+  return static_cast<double>(fractionForQ(a, x));
 }
 
 // P(1/2, x^2) is erf(|x|) exactly: put t = s^2 in the integral of P. The library's erf is the

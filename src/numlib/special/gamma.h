@@ -13,6 +13,10 @@ double logGamma(double x);
 // domain, and for a infinite together with x, not-a-number. Within one unit in the last place.
 double regularizedGammaP(double a, double x);
 
+// The upper one, 1 - P(a, x), likewise; small values keep their digits for x >= a + 1 and for a
+// >= 1.
+double regularizedGammaQ(double a, double x);
+
 // The error function: P(1/2, x^2) with the sign of x. Within one unit in the last place, also for
 // tiny x, whose square would vanish.
 double erfValue(double x);

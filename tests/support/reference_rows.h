@@ -1,0 +1,23 @@
+#pragma once
+
+// Tables of reference values in tests/data, and how far a result is from them.
+
+#include <span>
+#include <string>
+#include <vector>
+
+namespace vexa {
+
+// The arguments of a row and, in its last column, the value they should give.
+struct ReferenceRow {
+  std::vector<double> arguments;
+  long double value = 0;
+};
+
+// The rows of a file below tests/data, its heading passed over. Throws when there is none.
+std::vector<ReferenceRow> referenceRows(const std::string& file);
+
+// One unit in the last place of a double next to the value.
+double ulpOf(long double value);
+
+}  // namespace vexa
