@@ -5,6 +5,7 @@
 #include <new>
 #include <span>
 
+#include "cli/draw_command.h"
 #include "cli/eval_command.h"
 #include "cli/options.h"
 #include "cli/output_stream.h"
@@ -38,6 +39,8 @@ int carryOut(const Options& options) {
       return evalCommand(options);
     case Command::repl:
       return replCommand(options);
+    case Command::draw:
+      return drawCommand(options);
     case Command::none:
       break;
   }

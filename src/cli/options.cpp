@@ -19,6 +19,7 @@ Usage: vexa COMMAND [options]
   vexa run PROGRAM.vxp      execute a program
   vexa eval EXPRESSION      evaluate an expression and print its value
   vexa repl [PROGRAM.vxp]   calculate line by line
+  vexa draw FILE.drw -o OUT convert a drawing to .svg, .png, .pdf, .emf or .drw
 
   -h, --help                this text; vexa COMMAND --help says more about a command
   --version                 the version
@@ -42,6 +43,9 @@ messages, questions and faults go to stderr, a line each.
   --trace          prints a line when a function is entered and when it is left
   --show-values    lists the calls with their arguments on stderr at the end
   --own-kernels    keeps matrix algebra away from the system's BLAS library
+  --drawing OUT    writes the drawings of the run to OUT.drw, .svg, .png, .pdf or .emf, the
+                   second to OUT-2 and so on; takes --screen, --density and --width, which
+                   vexa draw --help explains
   -h, --help       this text
 
 Exit status: 0 the run ended, 1 a fault ended it, 2 wrong usage or unreadable file,
@@ -83,6 +87,23 @@ Exit status: 0; when standard input is no terminal 1 if a line ended in a fault,
 an evaluation was interrupted; 2 wrong usage or unreadable file.
 )";
 
+constexpr std::string_view drawHelp =
+    R"(Usage: vexa draw FILE.drw -o OUT [options]
+
+Converts a drawing document; - reads it from standard input. The extension of OUT picks the
+format: .svg, .png, .pdf, .emf or .drw. A picture shows the whole extent of the drawing on
+one page. OUT is written whole or not at all.
+
+  -o, --output OUT the file to write
+  --screen         on the drawing's own background instead of white
+  --density DPI    dots per inch of .png, from 10 to 2400; otherwise 96
+  --width MM       width of the page in millimetres, from 1 to 5000; the height follows.
+                   Otherwise 96 units of the drawing make an inch.
+  -h, --help       this text
+
+Exit status: 0 it was written, 2 wrong usage, or a file that cannot be read or written.
+)";
+
 struct CommandEntry {
   std::string_view name;
   Command command;
@@ -93,6 +114,7 @@ constexpr std::array commands = std::to_array<CommandEntry>({
     {"run", Command::run, runHelp},
     {"eval", Command::eval, evalHelp},
     {"repl", Command::repl, replHelp},
+    {"draw", Command::draw, drawHelp},
 });
 
 std::string quoted(std::string_view word) { return '"' + std::string(word) + '"'; }
@@ -161,11 +183,57 @@ class CommandParser {
       if (m_options.problem.empty() && m_options.program.empty()) fail("--program needs a file");
     } else if (m_entry.command == Command::run && word == "--seed") {
       if (auto value = readValue(word, attached)) readSeed(*value);
+    } else if (drawsPictures() && readPictureOption(word, attached)) {
+      return;
     } else if (bool* flag = attached ? nullptr : flagOf(word)) {
       *flag = true;
     } else {
       fail("unknown option " + quoted(word));
     }
+  }
+
+  bool drawsPictures() const {
+    return m_entry.command == Command::run || m_entry.command == Command::draw;
+  }
+
+  // False for an option that is none of these.
+  bool readPictureOption(std::string_view word, std::optional<std::string_view> attached) {
+    const bool drawing =
+        m_entry.command == Command::run ? word == "--drawing" : word == "-o" || word == "--output";
+    if (drawing) {
+      if (auto value = readValue(word, attached)) takePicture(word, std::move(*value));
+    } else if (word == "--density") {
+      if (auto value = readValue(word, attached))
+        m_options.picture.density = readLength(word, *value, lowestDensity, highestDensity);
+    } else if (word == "--width") {
+      if (auto value = readValue(word, attached))
+        m_options.picture.width = readLength(word, *value, narrowestPicture, widestPicture);
+    } else if (word == "--screen" && !attached) {
+      m_options.picture.screen = true;
+    } else {
+      return false;
+    }
+    return true;
+  }
+
+  void takePicture(std::string_view name, std::string path) {
+    if (!pictureFormatOf(path))
+      fail(std::string(name) + " needs a file that ends in " + std::string(pictureExtensions) +
+           ", not " + quoted(path));
+    else if (!m_options.drawing.empty())
+      fail("one picture only, " + quoted(path) + " is too many");
+    else
+      m_options.drawing = std::move(path);
+  }
+
+  double readLength(std::string_view name, const std::string& text, double lowest, double highest) {
+    double value = 0;
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, value);
+    if (error == std::errc() && rest == end && value >= lowest && value <= highest) return value;
+    fail(std::string(name) + " needs a number from " + std::to_string(static_cast<int>(lowest)) +
+         " to " + std::to_string(static_cast<int>(highest)) + ", not " + quoted(text));
+    return lowest;
   }
 
   void readSeed(const std::string& text) {
@@ -195,19 +263,26 @@ class CommandParser {
     if (m_haveOperand) {
       fail(m_entry.command == Command::eval
                ? "one expression only; put it in quotes, " + quoted(word) + " stands outside"
-               : "one program only, " + quoted(word) + " is too many");
+               : "one " + operandName() + " only, " + quoted(word) + " is too many");
       return;
     }
     m_haveOperand = true;
     (m_entry.command == Command::eval ? m_options.expression : m_options.program) = word;
     if (word.empty())
       fail(m_entry.command == Command::eval ? "the expression is empty"
-                                            : "the program's name is empty");
+                                            : "the " + operandName() + "'s name is empty");
+  }
+
+  std::string operandName() const {
+    if (m_entry.command == Command::eval) return "expression";
+    return m_entry.command == Command::draw ? "drawing" : "program";
   }
 
   void checkOperands() {
-    if (m_haveOperand || m_entry.command == Command::repl) return;
-    fail(m_entry.command == Command::eval ? "an expression is missing" : "a program is missing");
+    if (!m_haveOperand && m_entry.command != Command::repl)
+      fail((m_entry.command == Command::eval ? "an " : "a ") + operandName() + " is missing");
+    else if (m_entry.command == Command::draw && m_options.drawing.empty())
+      fail("-o with the file to write is missing");
   }
 
   const CommandEntry& m_entry;
@@ -229,13 +304,16 @@ Options parseOptions(std::span<const char* const> words) {
   } else if (first == "--version") {
     options.information = versionText;
   } else if (words.empty()) {
-    options.problem = "vexa: a command is missing: run, eval or repl; see vexa --help";
+    options.problem = "vexa: a command is missing: run, eval, repl or draw; see vexa --help";
   } else if (first.ends_with(".vxp")) {
     options.problem =
         "vexa: unknown command " + quoted(first) + "; to execute a program: vexa run PROGRAM.vxp";
+  } else if (first.ends_with(".drw")) {
+    options.problem =
+        "vexa: unknown command " + quoted(first) + "; to convert it: vexa draw FILE.drw -o OUT";
   } else {
     options.problem = "vexa: unknown command " + quoted(first) +
-                      "; there are run, eval and repl, see vexa --help";
+                      "; there are run, eval, repl and draw, see vexa --help";
   }
   return options;
 }

@@ -173,7 +173,7 @@ class OptionsTest(CommandLineTest):
         for arguments in ([], ["p.vxp"], ["draw", "x.drw"], ["--bad"],
                           ["run"], ["run", "p.vxp", "q.vxp"], ["run", "p.vxp", "--bad"],
                           ["run", "p.vxp", "--answer"], ["run", ""], ["run", "p.vxp", "--trace=1"],
-                          ["run", "p.vxp", "--drawing", "x.svg"], ["run", "--program", "p.vxp"],
+                          ["run", "p.vxp", "--drawing", "x.gif"], ["run", "--program", "p.vxp"],
                           ["run", "p.vxp", "--bad\nline"], ["run", "p.vxp", "--seed"],
                           ["run", "p.vxp", "--seed", "0"], ["run", "p.vxp", "--seed=1.5"],
                           ["run", "p.vxp", "--seed", "2147483648"],
