@@ -15,10 +15,12 @@ bool takeProgram(TextDocument& program);
 bool chooseOutputDocument(int mode);
 // Starts the prepared program text: reset, pre-scan, `main`. False without `main` and functions.
 bool startRun();
+// Forgets the last run: names, frames, temporaries and the error list. Every display is told.
 void resetInterpreterState();
-// Registers the text's declarations and functions.
+// Executes the global declarations of the text from the scan position on and registers its
+// functions; the position is as before then.
 void preScan();
-// Shows the warnings about unbalanced brackets.
+// Shows the warnings about unbalanced brackets, which stop nothing; leaves the scan position.
 void checkBalance();
 // Registers the functions of the changed program text, so that calculators may call them. True
 // when the functions are current.

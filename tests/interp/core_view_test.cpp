@@ -121,6 +121,14 @@ TEST(CoreView, ListsPresetsLastAndSeesVariablesChange) {
   EXPECT_EQ(session.view.builtins().size(), 240u);
 }
 
+TEST(CoreCommands, TheKeywordEndStopsTheTextAndWhatOpenedIt) {
+  ScriptedSession session;
+  session.shell.answers = {"exec({ end; })", "7"};
+  EXPECT_EQ(session.evaluate("1; ? + 1; 2"), "           1\n");
+  EXPECT_EQ(session.evaluate("?"), "           7\n");
+  EXPECT_THAT(session.messages(), IsEmpty());
+}
+
 TEST(CoreCommands, DefineMatricesByTheRulesOfNames) {
   ScriptedSession session("f() { } main() { }");
   session.run();
