@@ -17,6 +17,7 @@
 #include "numlib/interpolation/interpolation_builtins.h"
 #include "numlib/linear/linear_builtins.h"
 #include "numlib/random/random_builtins.h"
+#include "numlib/special/complex_builtins.h"
 #include "numlib/special/special_builtins.h"
 #include "numlib/statistics/statistics_builtins.h"
 #include "numlib/transforms/transform_builtins.h"
@@ -87,6 +88,7 @@ constexpr Group groups[] = {
      "atan2 beta binom ellipe ellipf ellipi gammainc gez hcoc hcos hsoc hsos hypot mod sign"},
     {betaincBuiltin, "betainc"},
     {besselBuiltin, "bessi bessj bessk bessy"},
+    {complexFunctionBuiltin, "cabs ccos cexp cln csin csqrt ctan ptor rtop"},
     // Run-time options and value built-ins.
     {deleteBuiltin, "delete"},
     {execBuiltin, "exec"},
@@ -152,7 +154,6 @@ constexpr std::string_view laterMembers = "plot plotanimate";
 // Groups whose handler is still to come.
 constexpr std::string_view laterGroups[] = {
     // Numerical library.
-    "cabs ccos cexp cln csin csqrt ctan ptor rtop",
     "roots",
     "gausspt",
     "lfit",

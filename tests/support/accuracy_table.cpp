@@ -7,6 +7,7 @@
 
 #include "numlib/special/bessel.h"
 #include "numlib/special/beta_functions.h"
+#include "numlib/special/complex_arithmetic.h"
 #include "numlib/special/elementary.h"
 #include "numlib/special/elliptic_integrals.h"
 #include "numlib/special/gamma.h"
@@ -25,6 +26,16 @@ double lastPlace(const ReferenceRow& row) { return ulpOf(row.value); }
 double lastPlaceOrWave(const ReferenceRow& row) {
   const double x = std::max(1.0, std::fabs(row.arguments[1]));
   return std::max(ulpOf(row.value), halfEpsilon * std::sqrt(2 / (std::numbers::pi * x)));
+}
+
+// Rows of complex functions: the parts of z, which part of the value, and the value's modulus.
+double partOfModulus(const ReferenceRow& row) { return halfEpsilon * row.arguments[3]; }
+
+auto onePart(Complex (*function)(Complex)) {
+  return [function](Arguments v) {
+    const Complex w = function({v[0], v[1]});
+    return v[2] == 0 ? w.re : w.im;
+  };
 }
 
 auto ofTwo(double (*function)(double, double)) {
@@ -78,6 +89,17 @@ std::vector<AccuracyEntry> makeTable() {
   add("bessy", "special/bessy.csv", 4, ofTwo(besselY), lastPlaceOrWave, "ulp or wave");
   inPlaces("bessi", "special/bessi.csv", 4, ofTwo(besselI));
   inPlaces("bessk", "special/bessk.csv", 4, ofTwo(besselK));
+
+  const auto complex = [&add](std::string_view name, std::string_view file,
+                              Complex (*function)(Complex)) {
+    add(name, file, 4, onePart(function), partOfModulus, "2^-53 |w|");
+  };
+  complex("ccos", "special/ccos.csv", complexCos);
+  complex("cexp", "special/cexp.csv", complexExp);
+  complex("cln", "special/cln.csv", complexLog);
+  complex("csin", "special/csin.csv", complexSin);
+  complex("csqrt", "special/csqrt.csv", complexSqrt);
+  complex("ctan", "special/ctan.csv", complexTan);
   return table;
 }
 
@@ -95,8 +117,11 @@ WorstError worstError(const AccuracyEntry& entry) {
   for (const ReferenceRow& row : rows) {
     const double result = entry.function(row.arguments);
     const long double error = std::fabs(result - row.value);
-    const double units = std::isnan(result) ? std::numeric_limits<double>::infinity()
-                                            : static_cast<double>(error) / entry.unitOf(row);
+    double units = 0;
+    if (std::isnan(result))
+      units = std::numeric_limits<double>::infinity();
+    else if (error != 0)
+      units = static_cast<double>(error) / entry.unitOf(row);
     if (units > worst.units || worst.row.arguments.empty()) {
       worst.units = units;
       worst.row = row;
