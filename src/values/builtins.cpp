@@ -14,6 +14,7 @@
 #include "numlib/calculus/calculus_builtins.h"
 #include "numlib/eigen/eigen_builtins.h"
 #include "numlib/finance/finance_builtins.h"
+#include "numlib/fitting/fitting_builtins.h"
 #include "numlib/interpolation/interpolation_builtins.h"
 #include "numlib/linear/linear_builtins.h"
 #include "numlib/random/random_builtins.h"
@@ -141,6 +142,10 @@ constexpr Group groups[] = {
     {svdBuiltin, "svd"},
     {svsolveBuiltin, "svsolve"},
     {interpolationBuiltin, "hermint hermit lint polint ratint"},
+    {splineBuiltin, "spline splint"},
+    {lookupBuiltin, "lookup"},
+    {significanceBuiltin, "correlation ftest studente studentp studentu"},
+    {movingaverageBuiltin, "movingaverage"},
     {moneyBuiltin, "cumipmt cumprinc fv intrate ipmt irr nper npv pmt ppmt pv xirr xnpv"},
     {dateBuiltin, "date2serial serial2date"},
     // Plotting.
@@ -160,16 +165,12 @@ constexpr std::string_view laterGroups[] = {
     "lcfit",
     "nfit",
     "minzs",
-    "lookup",
     "grad",
     "curl div jacob",
     "odesint",
     "poly",
-    "spline splint",
     "simplx",
     "polycoe",
-    "correlation ftest studente studentp studentu",
-    "movingaverage",
     // Plotting.
     "project",
     "poly2bezier",

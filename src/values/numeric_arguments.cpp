@@ -153,6 +153,12 @@ bool requireVectors(std::initializer_list<const DataArgument*> vectors) {
   return true;
 }
 
+bool requireFinite(std::span<const double> values) {
+  const bool finite = std::ranges::all_of(values, [](double x) { return std::isfinite(x); });
+  if (!finite) raiseError(ErrorKey::floatingPoint);
+  return finite;
+}
+
 ElementwiseNumber readElementwise() {
   if (markFollows()) return ElementwiseNumber(readMatrix());
   return ElementwiseNumber(evalScalarArg());

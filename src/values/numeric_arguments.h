@@ -65,6 +65,9 @@ DataArgument readData();
 // length; false then.
 bool requireVectors(std::initializer_list<const DataArgument*> vectors);
 
+// Key 63 when a number is none or infinite; false then.
+bool requireFinite(std::span<const double> values);
+
 // ---- Element-wise numbers ----
 
 class ElementwiseNumber {

@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
@@ -19,16 +18,6 @@ namespace vexa {
 namespace {
 
 constexpr double usualGuess = 0.1;
-
-bool areFinite(std::span<const double> values) {
-  return std::ranges::all_of(values, [](double x) { return std::isfinite(x); });
-}
-
-bool requireFinite(std::span<const double> values) {
-  const bool finite = areFinite(values);
-  if (!finite) raiseError(ErrorKey::floatingPoint);
-  return finite;
-}
 
 // Key 34.
 bool requireValid(bool valid) {

@@ -5,24 +5,17 @@
 
 #include "interp/errors.h"
 #include "interp/interpreter_state.h"
-#include "interp/message_box.h"
 #include "numlib/interpolation/hermite.h"
 #include "numlib/interpolation/point_tables.h"
 #include "numlib/linear/linear_common_builtins.h"
 #include "values/argument_readers.h"
+#include "values/numeric_arguments.h"
 
 namespace vexa {
 
 namespace {
 
 constexpr std::string_view notAscending = "x-values must be unique and in ascending order";
-
-// Shows a message and raises key 34.
-double refuse(std::string_view message) {
-  messageBox(message);
-  raiseError(ErrorKey::invalidData);
-  return 0.0;
-}
 
 struct TableArguments {
   MatrixArgument x, y;

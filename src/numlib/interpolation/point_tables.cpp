@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <vector>
 
@@ -141,6 +142,12 @@ std::size_t findInterval(std::span<const double> x, double at) {
       high = middle;
   }
   return low;
+}
+
+std::size_t placeInTable(std::span<const double> x, double at) {
+  const auto beyond = x.front() <= x.back() ? std::ranges::upper_bound(x, at)
+                                            : std::ranges::upper_bound(x, at, std::greater{});
+  return static_cast<std::size_t>(beyond - x.begin());
 }
 
 std::optional<double> interpolateLinear(const PointTable& table, double at) {

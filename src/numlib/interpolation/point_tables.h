@@ -22,6 +22,11 @@ struct PointTable {
 // equals `at`, the first or the last one outside the table.
 std::size_t findInterval(std::span<const double> x, double at);
 
+// The place, from 1, of the last of n >= 1 ordered entries that `at` has reached: x[k] <= at for
+// ascending ones, x[k] >= at for descending ones. 0 before the first. First and last entry tell the
+// direction (equal ones: ascending); the order itself is taken for granted.
+std::size_t placeInTable(std::span<const double> x, double at);
+
 // The straight line through the two points around `at`; outside the table that of the nearest two.
 // None when their abscissae are equal or not numbers.
 std::optional<double> interpolateLinear(const PointTable& table, double at);

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <cstddef>
 #include <optional>
 #include <span>
@@ -49,10 +48,6 @@ ElementNumbers readNumbers(const ElementForm& form) {
   return numbers;
 }
 
-bool allFinite(std::span<const double> values) {
-  return std::ranges::all_of(values, [](double x) { return std::isfinite(x); });
-}
-
 NodeDistance distanceOf(const ElementForm& form, const ElementNumbers& x) {
   const std::size_t first = form.distances;
   if (form.option == 'B') return {x[first], 0, 0};
@@ -79,10 +74,7 @@ ElementStiffness elementOf(const ElementForm& form, const ElementNumbers& x) {
 
 // Numbers that are none are key 63, no length and one that is negative key 34.
 bool checkNumbers(const ElementForm& form, const ElementNumbers& x) {
-  if (!allFinite(x.given())) {
-    raiseError(ErrorKey::floatingPoint);
-    return false;
-  }
+  if (!requireFinite(x.given())) return false;
   if (distanceOf(form, x).length() == 0) {
     refuse("frame> element of zero length");
     return false;
@@ -110,10 +102,7 @@ double frameBuiltin() {
   if (!requireDistinct({result, rotation}) || !checkNumbers(*form, numbers)) return 0.0;
 
   const ElementStiffness element = elementOf(*form, numbers);
-  if (!allFinite(element.stiffness)) {
-    raiseError(ErrorKey::floatingPoint);
-    return 0.0;
-  }
+  if (!requireFinite(element.stiffness)) return 0.0;
   storeMatrix(result, element.stiffnessView());
   if (!rotation.empty()) storeMatrix(rotation, element.rotationView());
   return noResult();

@@ -6,4 +6,8 @@ namespace vexa {
 // preset globals; the call's number is the one that its name asks for.
 double statisticsBuiltin();
 
+// correlation, ftest, studente, studentp, studentu(x, y [, p]): the statistic; its significance
+// goes to the float p.
+double significanceBuiltin();
+
 }  // namespace vexa
