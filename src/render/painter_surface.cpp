@@ -2,12 +2,13 @@
 
 #include <QPainterPath>
 #include <QStringList>
-#include <QTransform>
+#include <array>
 #include <cmath>
 #include <new>
 #include <numbers>
 
 #include "graphics/surfaces/drawn_text.h"
+#include "graphics/surfaces/far_points.h"
 
 namespace vexa {
 
@@ -124,7 +125,7 @@ QFont fontOf(const FontDescription& description) {
 }  // namespace
 
 PainterSurface::PainterSurface(QPainter& painter, const Target& target)
-    : m_painter(painter), m_target(target) {
+    : m_painter(painter), m_target(target), m_near(nearArea(target.paintArea)) {
   m_painter.save();
   m_painter.translate(0.5, 0.5);
   m_painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
@@ -150,6 +151,10 @@ void PainterSurface::usePen(double width) {
 void PainterSurface::stroke(const QPainterPath& path) {
   usePen(std::max(pen().width, 0));
   m_painter.strokePath(path, m_painter.pen());
+}
+
+void PainterSurface::strokePieces(std::span<const Point> points) {
+  for (const std::vector<Point>& piece : nearPieces(points, m_near)) stroke(polygonPath(piece));
 }
 
 void PainterSurface::fillAndStroke(const QPainterPath& path, double strokeWidth) {
@@ -181,19 +186,33 @@ void PainterSurface::fillHatch(const QPainterPath& path) {
 void PainterSurface::line(Point from, Point to) {
   if (from == to) return;
   guarded([&] {
-    usePen(std::max(pen().width, 0));
-    m_painter.drawLine(QLineF(at(from), at(to)));
+    const std::array ends{from, to};
+    if (isNear(ends, m_near)) {
+      usePen(std::max(pen().width, 0));
+      m_painter.drawLine(QLineF(at(from), at(to)));
+    } else {
+      strokePieces(ends);
+    }
   });
 }
 
 void PainterSurface::polyline(std::span<const Point> points) {
   if (points.size() < 2) return;
-  guarded([&] { stroke(polygonPath(points)); });
+  guarded([&] {
+    if (isNear(points, m_near))
+      stroke(polygonPath(points));
+    else
+      strokePieces(points);
+  });
 }
 
 void PainterSurface::polygon(std::span<const Point> points) {
   if (points.size() < 2) return;
   guarded([&] {
+    if (!isNear(points, m_near)) {
+      polygon(nearPolygon(points, m_near));
+      return;
+    }
     QPainterPath path = polygonPath(points);
     path.closeSubpath();
     fillAndStroke(path, std::max(pen().width, 0));
@@ -216,7 +235,7 @@ void PainterSurface::bezierPath(std::span<const Point> points) {
 
 void PainterSurface::rectangle(const Rect& box) {
   guarded([&] {
-    const BoxOutline outline = outlineOf(box, pen());
+    const BoxOutline outline = outlineOf(nearBox(box, m_near), pen());
     QPainterPath path;
     if (isFlat(outline))
       path = flatPath(outline);
@@ -229,7 +248,7 @@ void PainterSurface::rectangle(const Rect& box) {
 void PainterSurface::roundedRectangle(const Rect& box, std::int32_t cornerWidth,
                                       std::int32_t cornerHeight) {
   guarded([&] {
-    const BoxOutline outline = outlineOf(box, pen());
+    const BoxOutline outline = outlineOf(nearBox(box, m_near), pen());
     QPainterPath path;
     if (isFlat(outline))
       path = flatPath(outline);

@@ -53,6 +53,7 @@ class PainterSurface : public DrawingSurface {
   template <class Draw>
   void guarded(Draw draw);
   void stroke(const QPainterPath& path);
+  void strokePieces(std::span<const Point> points);
   void fillAndStroke(const QPainterPath& path, double strokeWidth);
   void fillHatch(const QPainterPath& path);
   void usePen(double width);
@@ -60,6 +61,7 @@ class PainterSurface : public DrawingSurface {
 
   QPainter& m_painter;
   Target m_target;
+  Rect m_near;  // see far_points.h
   bool m_failed = false;
   std::optional<FontDescription> m_fontMade;
   QFont m_paintFont;

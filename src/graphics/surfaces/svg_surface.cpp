@@ -6,6 +6,7 @@
 #include <numbers>
 
 #include "graphics/surfaces/drawn_text.h"
+#include "graphics/surfaces/far_points.h"
 
 namespace vexa {
 
@@ -176,6 +177,8 @@ bool blanksMatter(std::u32string_view text) {
 
 }  // namespace
 
+SvgSurface::SvgSurface(const PicturePage& page) : m_page(page), m_near(nearArea(page.area())) {}
+
 std::string SvgSurface::document() const {
   std::string text = "<svg xmlns=\"http://www.w3.org/2000/svg\"";
   std::string width, height;
@@ -266,6 +269,10 @@ std::string SvgSurface::strokeWidthOf(const BoxOutline& outline) const {
 
 void SvgSurface::line(Point from, Point to) {
   if (from == to) return;
+  if (const std::array ends{from, to}; !isNear(ends, m_near)) {
+    polyline(ends);
+    return;
+  }
   beginStroke();
   std::string data = "M";
   append(data, from);
@@ -276,12 +283,20 @@ void SvgSurface::line(Point from, Point to) {
 
 void SvgSurface::polyline(std::span<const Point> points) {
   if (points.size() < 2) return;
+  if (!isNear(points, m_near)) {
+    for (const std::vector<Point>& piece : nearPieces(points, m_near)) polyline(piece);
+    return;
+  }
   beginStroke();
   this->points("polyline", points);
 }
 
 void SvgSurface::polygon(std::span<const Point> points) {
   if (points.size() < 2) return;
+  if (!isNear(points, m_near)) {
+    polygon(nearPolygon(points, m_near));
+    return;
+  }
   beginShape();
   this->points("polygon", points);
 }
@@ -320,13 +335,13 @@ void SvgSurface::rectangleElement(const BoxOutline& outline, double radiusX, dou
 
 void SvgSurface::rectangle(const Rect& box) {
   beginShape();
-  rectangleElement(outlineOf(box, pen()), 0, 0);
+  rectangleElement(outlineOf(nearBox(box, m_near), pen()), 0, 0);
 }
 
 void SvgSurface::roundedRectangle(const Rect& box, std::int32_t cornerWidth,
                                   std::int32_t cornerHeight) {
   beginShape();
-  rectangleElement(outlineOf(box, pen()), std::abs(cornerWidth / 2.0),
+  rectangleElement(outlineOf(nearBox(box, m_near), pen()), std::abs(cornerWidth / 2.0),
                    std::abs(cornerHeight / 2.0));
 }
 

@@ -19,7 +19,7 @@ namespace vexa {
 
 class SvgSurface : public DrawingSurface {
  public:
-  explicit SvgSurface(const PicturePage& page) : m_page(page) {}
+  explicit SvgSurface(const PicturePage& page);
 
   // The whole file.
   std::string document() const;
@@ -55,6 +55,7 @@ class SvgSurface : public DrawingSurface {
   std::string hatchName(const Brush& brush);
 
   PicturePage m_page;
+  Rect m_near;  // see far_points.h
   std::string m_body;
   std::string m_group;  // attributes of the group that is open; empty for none
   std::string m_patterns;

@@ -40,13 +40,13 @@ TEST_F(SvgTest, NeighboursWithOnePenShareAGroup) {
   svg.setPen({PenStyle::solid, 1, 0x8080FF});
   svg.line({1, 2}, {3, 4});
   svg.line({5, 5}, {5, 5});
-  svg.polyline(std::array{Point{1, 1}, Point{2, -3}, Point{-2147483647 - 1, 4}});
+  svg.polyline(std::array{Point{1, 1}, Point{2, -3}, Point{-4, 4}});
   svg.setPen({PenStyle::solid, 0, black});
   svg.bezier(std::array{Point{0, 0}, Point{1, 0}, Point{1, 1}, Point{2, 2}, Point{3, 3}});
   EXPECT_EQ(bodyOf(svg),
             "<g stroke=\"#ff8080\">\n"
             "<path d=\"M1 2L3 4\"/>\n"
-            "<polyline points=\"1 1 2 -3 -2147483648 4\"/>\n"
+            "<polyline points=\"1 1 2 -3 -4 4\"/>\n"
             "</g>\n<g stroke=\"#000\">\n"
             "<path d=\"M0 0C1 0 1 1 2 2\" vector-effect=\"non-scaling-stroke\"/>\n"
             "</g>\n");
@@ -67,6 +67,23 @@ TEST_F(SvgTest, OutlinesStayInsideTheirBoxes) {
             "<circle cx=\"30\" cy=\"30\" r=\"18\"/>\n"
             "<path stroke-width=\"3\" d=\"M11 11l0 37\"/>\n"
             "<path stroke-width=\"1\" d=\"M10 10l0 39\"/>\n"
+            "</g>\n");
+}
+
+TEST_F(SvgTest, FarPartsAreCutWhereNobodySeesThem) {
+  constexpr std::int32_t most = 2147483647;
+  svg.line({0, 0}, {most, most});
+  svg.line({-most - 1, -most}, {-most, most});
+  svg.polyline(std::array{Point{0, 0}, Point{most, 0}, Point{most, 50}, Point{0, 50}});
+  svg.polygon(std::array{Point{0, 10}, Point{-most - 1, 10}, Point{-most - 1, 20}, Point{0, 20}});
+  svg.rectangle({100, 50, most, most});
+  EXPECT_EQ(bodyOf(svg),
+            "<g stroke=\"#000\">\n"
+            "<polyline points=\"0 0 32868 32868\"/>\n"
+            "<polyline points=\"0 0 32968 0\"/>\n"
+            "<polyline points=\"32968 50 0 50\"/>\n"
+            "<polygon points=\"0 10 -32768 10 -32768 20 0 20\"/>\n"
+            "<rect x=\"100\" y=\"50\" width=\"32867\" height=\"32817\"/>\n"
             "</g>\n");
 }
 
