@@ -1,6 +1,6 @@
 #!/bin/bash
 # run_targets.sh FOLDER SECONDS: runs each fuzz target of FOLDER for so long, starting from the
-# programs of examples/ and tests/. What breaks a target is left beside it in findings/, and
+# programs and drawings of examples/ and tests/. What breaks a target is left beside it in findings/, and
 # what it learnt in corpus/, from where the next run goes on.
 set -euo pipefail
 folder=$1
@@ -15,6 +15,7 @@ find "$root/examples" "$root/tests/programs" -name '*.vxp' -size -16k 2>/dev/nul
     name=${program#"$root/"}
     cp "$program" "$seeds/${name//\//_}"
   done
+cp "$root"/tests/data/drawings/*.drw "$seeds"
 
 export ASAN_OPTIONS=allocator_may_return_null=1
 export UBSAN_OPTIONS=print_stacktrace=1

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <functional>
 #include <initializer_list>
 
@@ -282,6 +283,18 @@ TEST(DrawingFile, EveryDamageEndsInAMessageOrAWholeDrawing) {
     if (result.starts_with("File") || result.starts_with("The file")) continue;
     EXPECT_EQ(rewritten(result), result) << bit;
   }
+}
+
+// A file as it was written when there was one format only.
+TEST(DrawingFile, StoredDrawingIsStillTheSame) {
+  std::ifstream file(VEXA_TEST_DATA "/drawings/every_class.drw", std::ios::binary);
+  const std::string bytes(std::istreambuf_iterator<char>(file), {});
+  CMiniDrawDoc drawing;
+  ASSERT_TRUE(readDrawing(bytes, drawing).complete());
+  EXPECT_EQ(drawing.figureCount(), 21u);
+  EXPECT_EQ(drawing.settings().title, "Every class of figure");
+  EXPECT_EQ(drawing.figure(20)->m_Visible, 0);
+  EXPECT_EQ(writeDrawing(drawing), bytes);
 }
 
 TEST(DrawingFile, RepeatedEntriesCannotOutgrowTheFile) {
