@@ -145,7 +145,7 @@ std::unique_ptr<Matrix> resized(const Matrix* old, int rows, int cols) {
 void writeShownValue(const ShownValue& value, TextSink& sink) {
   switch (value.kind) {
     case ShownValue::Kind::scalar: {
-      std::array<char, kDefaultNumberSize> text;
+      std::array<char, defaultNumberSize> text;
       sink.write({text.data(), formatDefault(text, value.scalar)}, lineWhole);
       break;
     }

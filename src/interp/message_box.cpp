@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "interp/interpreter_state.h"
+#include "values/character_class.h"
 
 namespace vexa {
 
@@ -33,13 +34,11 @@ void addRetryCancel(BoxLayout& layout) {
   addCancel(layout);
 }
 
-char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
 // Lower case, without "&" and without blanks at the ends.
 std::string plain(std::string_view text) {
   std::string result;
   for (char c : text)
-    if (c != '&') result += lower(c);
+    if (c != '&') result += lowerCase(c);
   const std::size_t begin = result.find_first_not_of(" \t");
   if (begin == std::string::npos) return {};
   return result.substr(begin, result.find_last_not_of(" \t") - begin + 1);

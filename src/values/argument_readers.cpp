@@ -430,8 +430,7 @@ char readOption(std::string_view allowed, ErrorKey unknown) {
     raiseError(ErrorKey::invalidData);
     return 0;
   }
-  char letter = scanner.tokenText[0];
-  if (letter >= 'a' && letter <= 'z') letter = static_cast<char>(letter - 'a' + 'A');
+  const char letter = upperCase(scanner.tokenText[0]);
   if (allowed.find(letter) != std::string_view::npos) return letter;
   raiseError(unknown);
   return 0;

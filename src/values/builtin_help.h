@@ -1,10 +1,11 @@
+#pragma once
+
 // What the system can say about its own words: one line for every built-in and every statement.
 //
 // The repl's `help NAME`, the desktop's information trees and its argument hints are made from
 // these two tables. They hold text only; what a built-in does is decided by its handler, and the
 // built-in table (builtins.h) stays the one place that knows which handler that is. Rows of
 // `builtinHelp()` stand in the order of that table, so the code of a built-in is its row here too.
-#pragma once
 
 #include <span>
 #include <string_view>

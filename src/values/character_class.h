@@ -1,10 +1,12 @@
 #pragma once
 
-// What a byte may be in program text. Letters, digits and punctuation are those of ASCII, whatever
-// the locale.
+// What a byte may be in program text, and the case of letters. Letters, digits and punctuation are
+// those of ASCII, whatever the locale.
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
+#include <string_view>
 
 namespace vexa {
 
@@ -46,6 +48,16 @@ inline constexpr std::array<std::uint8_t, 256> characterClasses = [] {
 
 inline bool isCharacter(char c, unsigned flags) {
   return (characterClasses[static_cast<unsigned char>(c)] & flags) != 0;
+}
+
+constexpr char lowerCase(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+constexpr char upperCase(char c) {
+  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+constexpr bool equalIgnoringCase(std::string_view a, std::string_view b) {
+  return std::ranges::equal(a, b, {}, lowerCase, lowerCase);
 }
 
 }  // namespace vexa

@@ -10,6 +10,7 @@
 #include "interp/message_box.h"
 #include "values/argument_readers.h"
 #include "values/calculator.h"
+#include "values/character_class.h"
 #include "values/numeric_arguments.h"
 #include "values/value_builtins.h"
 
@@ -75,13 +76,6 @@ double selectElement() {
 
 // ---- gotourl ----
 
-bool startsWithIgnoringCase(std::string_view text, std::string_view lowerCaseStart) {
-  if (text.size() < lowerCaseStart.size()) return false;
-  return std::ranges::equal(
-      text.substr(0, lowerCaseStart.size()), lowerCaseStart,
-      [](char c, char wanted) { return (c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c) == wanted; });
-}
-
 // A program from elsewhere must not start what lies on the disk, so only addresses of the net and
 // of mail are opened.
 bool isOpenableAddress(std::string_view address) {
@@ -94,7 +88,7 @@ bool isOpenableAddress(std::string_view address) {
   });
   return plain && address.size() <= longestAddress &&
          std::ranges::any_of(schemes, [address](std::string_view scheme) {
-           return startsWithIgnoringCase(address, scheme);
+           return equalIgnoringCase(address.substr(0, scheme.size()), scheme);
          });
 }
 

@@ -10,6 +10,8 @@
 #include <iterator>
 #include <limits>
 
+#include "values/character_class.h"
+
 namespace vexa {
 
 namespace {
@@ -18,20 +20,20 @@ namespace {
 static_assert(FLT_EVAL_METHOD == 0 && std::numeric_limits<double>::is_iec559);
 
 // The powers of ten that a double holds exactly: 10^22 = 2^22 * 5^22 and 5^22 < 2^53.
-constexpr double kExactPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                   1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
-                                   1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
-constexpr int kLargestExactPower = std::size(kExactPowers) - 1;
+constexpr double exactPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                  1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                  1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+constexpr int largestExactPower = std::size(exactPowers) - 1;
 
-constexpr double kTwoTo63 = 9223372036854775808.0;
-constexpr double kTwoTo64 = 18446744073709551616.0;
+constexpr double twoTo63 = 9223372036854775808.0;
+constexpr double twoTo64 = 18446744073709551616.0;
 
-constexpr int kDefaultPrecision = 6;
-constexpr int kLargestFormatNumber = 255;  // of the width and the precision of a NumberFormat
+constexpr int defaultPrecision = 6;
+constexpr int largestFormatNumber = 255;  // of the width and the precision of a NumberFormat
 
 // The longest text of a number that NumberFormat makes: "%.255f" of the largest double has 309
 // digits, a point and 255 more.
-constexpr std::size_t kLongestBody = 309 + 1 + kLargestFormatNumber + 1;
+constexpr std::size_t longestBody = 309 + 1 + largestFormatNumber + 1;
 
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
@@ -60,12 +62,12 @@ std::optional<LeadingDigits> quickDigits(double a, int precision) {
   // shift below is in range. The first digit stands there or one place higher.
   int exponent = (binaryExponent * 1233) >> 12;
 
-  const double limit = kExactPowers[precision];
+  const double limit = exactPowers[precision];
   double scaled = 0.0;
   for (;; ++exponent) {
     const int shift = precision - 1 - exponent;
-    if (shift > kLargestExactPower || shift < -kLargestExactPower) return std::nullopt;
-    scaled = shift >= 0 ? a * kExactPowers[shift] : a / kExactPowers[-shift];
+    if (shift > largestExactPower || shift < -largestExactPower) return std::nullopt;
+    scaled = shift >= 0 ? a * exactPowers[shift] : a / exactPowers[-shift];
     if (scaled < limit) break;
   }
 
@@ -131,7 +133,7 @@ char* writeGeneral(char* out, double x, int precision) {
   }
   if (precision <= 9) {
     // Most numbers that programs print are small and whole.
-    if (a < kExactPowers[precision]) {
+    if (a < exactPowers[precision]) {
       const auto whole = static_cast<std::uint32_t>(a);
       if (static_cast<double>(whole) == a) return writeDigits(out, whole);
     }
@@ -152,11 +154,7 @@ std::size_t padLeft(char* out, std::size_t length, int width) {
   return length + padding;
 }
 
-}  // namespace
-
-namespace {
-
-constexpr std::size_t kDefaultWidth = 12;
+constexpr std::size_t defaultWidth = 12;
 
 // Numbers below 10^5 with at most one decimal: six digits that "%g" writes in full. Ten times the
 // number is rounded once, so when it comes out whole, that whole number over ten is its six-digit
@@ -167,8 +165,8 @@ bool formatShort(char* out, double x) {
   const double scaled = a * 10.0;
   auto digits = static_cast<std::uint32_t>(scaled);
   if (static_cast<double>(digits) != scaled) return false;
-  std::memset(out, ' ', kDefaultWidth);
-  char* at = out + kDefaultWidth;
+  std::memset(out, ' ', defaultWidth);
+  char* at = out + defaultWidth;
   const std::uint32_t tenths = digits % 10;
   digits /= 10;
   if (tenths != 0) {
@@ -186,15 +184,15 @@ bool formatShort(char* out, double x) {
 }  // namespace
 
 std::size_t formatDefault(std::span<char> out, double x) {
-  if (out.size() < kDefaultNumberSize) return 0;
-  if (formatShort(out.data(), x)) return kDefaultWidth;
+  if (out.size() < defaultNumberSize) return 0;
+  if (formatShort(out.data(), x)) return defaultWidth;
   out[0] = ' ';
-  return 1 + formatGeneral(out.subspan(1), x, kDefaultPrecision, 11);
+  return 1 + formatGeneral(out.subspan(1), x, defaultPrecision, 11);
 }
 
 std::size_t formatGeneral(std::span<char> out, double x, int precision, int width) {
   if (out.size() < generalNumberSize(precision, width)) return 0;
-  if (precision < 0) precision = kDefaultPrecision;
+  if (precision < 0) precision = defaultPrecision;
   const char* end = writeGeneral(out.data(), x, std::max(precision, 1));
   return padLeft(out.data(), static_cast<std::size_t>(end - out.data()), width);
 }
@@ -281,7 +279,7 @@ double parseNumber(std::string_view digits) {
   }
   const bool hasExponent = p != end && (*p == 'e' || *p == 'E');
   if (!hasExponent && count <= 19 && mantissa <= (std::uint64_t{1} << 53)) {
-    return static_cast<double>(mantissa) / kExactPowers[scale];
+    return static_cast<double>(mantissa) / exactPowers[scale];
   }
   return parseAnyNumber(digits);
 }
@@ -302,14 +300,14 @@ std::optional<double> textToNumber(std::string_view text) {
 
 double roundSignificant(double x, int digits) {
   if (!std::isfinite(x)) return x;
-  digits = digits < 0 ? kDefaultPrecision : std::clamp(digits, 1, 17);  // 17 tell all doubles apart
+  digits = digits < 0 ? defaultPrecision : std::clamp(digits, 1, 17);  // 17 tell all doubles apart
   std::array<char, generalNumberSize(17, 0)> text;
   const char* end = writeGeneral(text.data(), x, digits);
   return *textToNumber({text.data(), end});
 }
 
 signed char truncateToByte(double x) {
-  if (!(std::fabs(x) < kTwoTo63)) return 0;
+  if (!(std::fabs(x) < twoTo63)) return 0;
   return static_cast<signed char>(static_cast<std::int64_t>(x) & 0xff);
 }
 
@@ -317,11 +315,7 @@ signed char truncateToByte(double x) {
 
 namespace {
 
-void makeUpper(char* begin, char* end) {
-  std::transform(begin, end, begin, [](char c) {
-    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-  });
-}
+void makeUpper(char* begin, char* end) { std::transform(begin, end, begin, upperCase); }
 
 // A sign or base mark, then digits, in a field. Zeros go between the two, blanks around both.
 void appendPadded(std::string& out, const NumberConversion& c, std::string_view lead,
@@ -362,7 +356,7 @@ char* insertMissingPoint(char* begin, char* end, char exponentLetter) {
 
 void appendFloating(std::string& out, const NumberConversion& c, double x) {
   const bool upper = c.letter >= 'A' && c.letter <= 'Z';
-  const char letter = upper ? static_cast<char>(c.letter - 'A' + 'a') : c.letter;
+  const char letter = lowerCase(c.letter);
   const std::string_view sign = signText(c, std::signbit(x) && !std::isnan(x));
   const double a = std::fabs(x);
   if (!std::isfinite(x)) {
@@ -371,11 +365,11 @@ void appendFloating(std::string& out, const NumberConversion& c, double x) {
     return;
   }
 
-  std::array<char, kLongestBody> body;
+  std::array<char, longestBody> body;
   char* const begin = body.data();
   char* const limit = begin + body.size() - 1;  // the last byte is for a missing point
   char* end = begin;
-  const int precision = c.precision < 0 ? kDefaultPrecision : c.precision;
+  const int precision = c.precision < 0 ? defaultPrecision : c.precision;
   std::string lead(sign);
   switch (letter) {
     case 'e':
@@ -402,7 +396,7 @@ void appendFloating(std::string& out, const NumberConversion& c, double x) {
 
 void appendWhole(std::string& out, const NumberConversion& c, double x) {
   const bool isSigned = c.letter == 'd' || c.letter == 'i';
-  if (!(x >= -kTwoTo63 && x < (isSigned ? kTwoTo63 : kTwoTo64))) {
+  if (!(x >= -twoTo63 && x < (isSigned ? twoTo63 : twoTo64))) {
     NumberConversion general = c;
     general.letter = 'g';
     general.precision = -1;
@@ -424,7 +418,7 @@ void appendWhole(std::string& out, const NumberConversion& c, double x) {
 
   // The precision is the least number of digits. "#" makes sure that an octal number begins with 0,
   // also where a precision of 0 would write nothing for the value 0.
-  std::array<char, kLargestFormatNumber + 1> body;
+  std::array<char, largestFormatNumber + 1> body;
   char digits[22];
   char* digitsEnd = value == 0 && c.precision == 0
                         ? digits
@@ -442,7 +436,7 @@ bool readFormatNumber(std::string_view text, std::size_t& at, int& number) {
   number = 0;
   for (; at < text.size() && isDigit(text[at]); ++at) {
     number = number * 10 + (text[at] - '0');
-    if (number > kLargestFormatNumber) return false;
+    if (number > largestFormatNumber) return false;
   }
   return true;
 }
@@ -480,23 +474,23 @@ std::optional<NumberFormat> NumberFormat::parse(std::string_view text) {
   for (std::size_t at = 0; at < text.size();) {
     const char c = text[at++];
     if (c != '%') {
-      format.m_Text += c;
+      format.m_text += c;
     } else if (at < text.size() && text[at] == '%') {
-      format.m_Text += '%';
+      format.m_text += '%';
       ++at;
     } else {
       const auto conversion = readConversion(text, at);
-      if (!conversion || format.m_Conversion.letter != 0) return std::nullopt;
-      format.m_Conversion = *conversion;
-      format.m_PrefixLength = format.m_Text.size();
+      if (!conversion || format.m_conversion.letter != 0) return std::nullopt;
+      format.m_conversion = *conversion;
+      format.m_prefixLength = format.m_text.size();
     }
   }
   return format;
 }
 
 void NumberFormat::append(std::string& out, double x) const {
-  const NumberConversion& c = m_Conversion;
-  out.append(m_Text, 0, m_PrefixLength);
+  const NumberConversion& c = m_conversion;
+  out.append(m_text, 0, m_prefixLength);
   if (c.letter == 'c') {
     const char byte = static_cast<char>(truncateToByte(x));
     appendPadded(out, c, {}, {&byte, 1}, false);
@@ -505,7 +499,7 @@ void NumberFormat::append(std::string& out, double x) const {
   } else if (c.letter != 0) {
     appendFloating(out, c, x);
   }
-  out.append(m_Text, m_PrefixLength);
+  out.append(m_text, m_prefixLength);
 }
 
 }  // namespace vexa

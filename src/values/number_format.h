@@ -1,9 +1,10 @@
+#pragma once
+
 // Numbers as text, and text as numbers.
 //
 // Everything here follows the "C" rules whatever the locale of the process: the decimal point is a
 // point. The printing functions give, byte for byte, what printf gives for the same conversion,
 // with one exception: not-a-number has no sign, so it is "nan" where printf may say "-nan".
-#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -15,11 +16,11 @@
 namespace vexa {
 
 // The room that formatDefault needs: a blank and the longest "%11g", "-1.23457e+100".
-inline constexpr std::size_t kDefaultNumberSize = 14;
+inline constexpr std::size_t defaultNumberSize = 14;
 
 // Writes x as " %11g", the form in which a program prints a number when it names no format.
-// Returns the number of bytes, 12 to kDefaultNumberSize. There is no terminating NUL. A span
-// shorter than kDefaultNumberSize is refused: nothing is written and the result is 0.
+// Returns the number of bytes, 12 to defaultNumberSize. There is no terminating NUL. A span
+// shorter than defaultNumberSize is refused: nothing is written and the result is 0.
 std::size_t formatDefault(std::span<char> out, double x);
 
 // The room that formatGeneral needs for a precision and a width, as given to it.
@@ -99,9 +100,9 @@ class NumberFormat {
  private:
   NumberFormat() = default;
 
-  std::string m_Text;              // the plain text, "%%" already one "%"
-  std::size_t m_PrefixLength = 0;  // how much of it stands before the conversion
-  NumberConversion m_Conversion;
+  std::string m_text;              // the plain text, "%%" already one "%"
+  std::size_t m_prefixLength = 0;  // how much of it stands before the conversion
+  NumberConversion m_conversion;
 };
 
 }  // namespace vexa

@@ -9,6 +9,7 @@
 
 #include "interp/interpreter_state.h"
 #include "interp/message_box.h"
+#include "values/character_class.h"
 #include "values/evaluator_parts.h"
 
 namespace vexa {
@@ -28,13 +29,6 @@ bool markFollows() {
   const bool mark = scanner.tokenType == TOKEN_NAME && scanner.tokenChar == '!';
   rescanToken();
   return mark;
-}
-
-// A word is compared in lower case.
-char lowerCase(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
-bool sameWord(std::string_view word, std::string_view lower) {
-  return std::ranges::equal(word, lower, {}, lowerCase);
 }
 
 // The matrix whose order all matrices among the arguments share, or null; key 64 when they differ.
@@ -197,7 +191,7 @@ bool WordReader::next() {
   if (!moreArguments()) return false;
   const std::string word = readLiteral();
   const auto found = std::ranges::find_if(
-      m_allowed, [&word](std::string_view allowed) { return sameWord(word, allowed); });
+      m_allowed, [&word](std::string_view allowed) { return equalIgnoringCase(word, allowed); });
   if (found == m_allowed.end()) {
     raiseError(ErrorKey::invalidOption);
     return false;

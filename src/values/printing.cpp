@@ -27,7 +27,7 @@ void pollEachRows(int row) {
 }
 
 void appendDefault(std::string& out, double x) {
-  std::array<char, kDefaultNumberSize> text;
+  std::array<char, defaultNumberSize> text;
   out.append(text.data(), formatDefault(text, x));
 }
 
@@ -335,7 +335,7 @@ void ItemPrinter::complexValues(const Matrix& m) {
 }  // namespace
 
 void printNumber(TextSink& sink, double x) {
-  std::array<char, kDefaultNumberSize> text;
+  std::array<char, defaultNumberSize> text;
   sink.write({text.data(), formatDefault(text, x)}, lineAppend);
 }
 

@@ -10,6 +10,7 @@
 #include "interp/message_box.h"
 #include "interp/statements.h"
 #include "values/argument_readers.h"
+#include "values/character_class.h"
 #include "values/evaluator_parts.h"
 
 namespace vexa {
@@ -37,13 +38,6 @@ double chooseDebug(bool on) {
   const bool wasOn = interpreter().debug;
   interpreter().debug = on;
   return wasOn;
-}
-
-std::string upperCase(std::string text) {
-  std::ranges::transform(text, text.begin(), [](char c) {
-    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-  });
-  return text;
 }
 
 // Nothing may go on pointing to a matrix that is about to be freed.
@@ -115,7 +109,8 @@ double execExpression() {
 double useoptionBuiltin() {
   constexpr std::array<std::string_view, 4> options = {"DEGREES", "RADIANS", "DEBUGON", "DEBUGOFF"};
   expectChar('(');
-  const std::string option = upperCase(readLiteral());
+  std::string option = readLiteral();
+  std::ranges::transform(option, option.begin(), upperCase);
   if (std::ranges::find(options, option) == options.end()) {
     raiseError(ErrorKey::invalidData);
     return 0.0;

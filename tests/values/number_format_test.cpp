@@ -37,7 +37,7 @@ std::string generalText(double x, int precision, int width) {
 }
 
 std::string defaultText(double x) {
-  char room[kDefaultNumberSize];
+  char room[defaultNumberSize];
   return {room, formatDefault(room, x)};
 }
 
@@ -107,7 +107,7 @@ TEST(NumberFormatTest, NotANumberHasNoSign) {
 
 TEST(NumberFormatTest, RefusesTooLittleRoom) {
   char room[30] = "untouched";
-  EXPECT_EQ(formatDefault(std::span(room, kDefaultNumberSize - 1), 1.0), 0u);
+  EXPECT_EQ(formatDefault(std::span(room, defaultNumberSize - 1), 1.0), 0u);
   EXPECT_EQ(formatGeneral(std::span(room, 12), 1.0, 6, 0), 0u);
   EXPECT_EQ(formatGeneral(std::span(room, 19), 1.0, 6, 20), 0u);
   EXPECT_EQ(formatInteger(std::span(room, 21), 1, 22), 0u);
