@@ -15,20 +15,21 @@ constexpr double kEpsilon = std::numeric_limits<double>::epsilon();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
 
-// Columns of a scheme; small tables need no memory from elsewhere.
+// Three columns of a scheme; small tables need no memory from elsewhere.
 class Columns {
  public:
   explicit Columns(std::size_t n) : m_length(n) {
-    if (2 * n > m_few.size()) m_many.resize(2 * n);
+    if (3 * n > m_few.size()) m_many.resize(3 * n);
   }
   std::span<double> first() { return {data(), m_length}; }
   std::span<double> second() { return {data() + m_length, m_length}; }
+  std::span<double> third() { return {data() + 2 * m_length, m_length}; }
 
  private:
   double* data() { return m_many.empty() ? m_few.data() : m_many.data(); }
 
   std::size_t m_length;
-  std::array<double, 64> m_few;
+  std::array<double, 96> m_few;
   std::vector<double> m_many;
 };
 
@@ -62,6 +63,9 @@ double joinRational(double withoutFirst, double withoutLast, double inner, doubl
   return withoutFirst + difference * step / denominator;
 }
 
+// Neighbours that agree to this share could have agreed but for the rounding of the data.
+constexpr double kDoubtful = 1e-10;
+
 struct RationalValue {
   double value = 0.0;
   // Somewhere all three neighbours had the ordinate of one of their points. That leaves a value
@@ -76,7 +80,9 @@ RationalValue joinAll(const PointTable& table, double at, const InterruptTest& i
   Columns columns(n);
   const std::span<double> inner = columns.first();
   const std::span<double> values = columns.second();
+  const std::span<double> scales = columns.third();  // the largest ordinate of each inner group
   std::ranges::fill(inner, 0.0);
+  std::ranges::fill(scales, 0.0);
   std::ranges::copy(table.y, values.begin());
   RationalValue result;
   Pace pace(interrupted);
@@ -85,16 +91,26 @@ RationalValue joinAll(const PointTable& table, double at, const InterruptTest& i
     for (std::size_t i = 0; i + m < n; ++i) {
       // inner[i + 1] is still of the level before the last, one point less on either side.
       const double middle = inner[i + 1];
-      const double noise = 16.0 * kEpsilon * std::fabs(middle);
-      const auto near = [&](double other) { return std::fabs(other - middle) <= noise; };
-      const bool equal = m > 1 && near(values[i]) && near(values[i + 1]);
-      if (equal && std::ranges::any_of(table.y.subspan(i + 1, m - 1), near)) result.doubtful = true;
+      const double scale =
+          std::isinf(middle) ? scales[i + 1] : std::max(std::fabs(middle), scales[i + 1]);
+      const auto agrees = [&](double other, double share) {
+        return std::fabs(other - middle) <= share * scale;
+      };
+      const auto bothAgree = [&](double share) {
+        return m > 1 && agrees(values[i], share) && agrees(values[i + 1], share);
+      };
+      const auto ordinateAgrees = [&](double y) { return agrees(y, kDoubtful); };
+      if (bothAgree(kDoubtful) &&
+          std::ranges::any_of(table.y.subspan(i + 1, m - 1), ordinateAgrees))
+        result.doubtful = true;
       const double ratio = (at - table.x[i]) / (at - table.x[i + m]);
       // Differences of neighbours that agree are noise, and the quotient of two could be anything.
-      const double joined =
-          equal ? values[i + 1] : joinRational(values[i + 1], values[i], middle, ratio);
+      const double joined = bothAgree(16.0 * kEpsilon)
+                                ? values[i + 1]
+                                : joinRational(values[i + 1], values[i], middle, ratio);
       inner[i] = values[i];
       values[i] = joined;
+      scales[i] = std::max(scales[i], std::fabs(table.y[i + m - 1]));
     }
   }
   result.value = values[0];
