@@ -81,10 +81,10 @@ std::optional<double> internalRateByDays(std::span<const double> v, std::span<co
     years.push_back((days[k] - days[0]) / daysPerYear);
   }
   if (amounts.empty()) return std::nullopt;
-  const auto [first, last] = std::ranges::minmax(years);
+  const auto range = std::ranges::minmax(years);
   const auto worth = [&](long double u) {
     asksToStop(interrupted);
-    const long double reference = u >= 0 ? first : last;
+    const long double reference = u >= 0 ? range.min : range.max;
     long double sum = 0;
     for (std::size_t k = 0; k < amounts.size(); ++k)
       sum += amounts[k] * std::exp(-u * (years[k] - reference));
