@@ -6,16 +6,24 @@ block that follows it at once, ``` or ```output, is what it prints. A block ```m
 that holds its lines on stderr, in which the program is called program.vxp. An example without
 a block ```messages must run without a message; one that shows a message with ": error:" ends
 with status 1. A block ```vexa-fragment is not run.
+
+A block ``` that begins with "$ " shows commands. Each is carried out, in one folder that holds
+examples/, and must end with status 0. The lines below it are what it writes; of the repl, those
+after a prompt are what is typed. None are compared when there are none, and only the beginning
+when the last one is "...".
 """
 
 import re
+import shlex
 from pathlib import Path
 from tempfile import TemporaryDirectory
 
-from runner import BadTest, Result, differences, main, run_vexa
+from runner import TESTS, BadTest, Result, differences, main, run_vexa
 
 FENCE = re.compile(r"^(\s*)```\s*(\S*)\s*$")
 OUTPUT = ("", "output")
+PROMPTS = ("vexa> ", "  ... ")
+REST = "...\n"
 
 
 class Block:
@@ -66,10 +74,54 @@ def check_example(vexa, block, expected_out, expected_err):
     return [f"line {block.line}:\n{text}" for text in differences(expected, result)]
 
 
+class Command:
+    def __init__(self, line):
+        self.words = shlex.split(line)
+        self.typed = ""
+        self.shown = ""
+
+
+def commands_of(transcript):
+    """The commands of a block in order, each with what is typed and shown below it."""
+    found = []
+    for line in transcript.splitlines(keepends=True):
+        if line.startswith("$ "):
+            found.append(Command(line[2:]))
+        elif line.startswith(PROMPTS):
+            found[-1].typed += line[len(PROMPTS[0]):]
+        else:
+            found[-1].shown += line
+    return found
+
+
+def check_command(vexa, command, folder):
+    if Path(command.words[0]).name != "vexa":
+        raise BadTest(f"{command.words[0]} is not vexa")
+    result = run_vexa(vexa, command.words[1:], command.typed.encode(), cwd=folder)
+    written = result.out + result.err
+    expected = command.shown.encode()
+    if not expected:
+        expected = written
+    elif command.shown.endswith(REST):
+        expected = expected[:-len(REST)]
+        written = written[:len(expected)]
+    return differences(Result(expected, b"", 0), Result(written, b"", result.status))
+
+
+def check_transcript(vexa, block):
+    with TemporaryDirectory(prefix="vexa-docs-") as folder:
+        (Path(folder) / "examples").symlink_to(TESTS.parent / "examples")
+        return [f"line {block.line}, {shlex.join(command.words)}:\n{text}"
+                for command in commands_of(block.text)
+                for text in check_command(vexa, command, folder)]
+
+
 def check(vexa, file, options):
     blocks = read_blocks(file.read_text(encoding="utf-8"))
     found = []
     for i, block in enumerate(blocks):
+        if block.language == "" and block.text.startswith("$ "):
+            found += check_transcript(vexa, block)
         if block.language != "vexa":
             continue
         following = []

@@ -134,6 +134,19 @@ class CheckDocsTest(ScriptTest):
             with self.subTest(change):
                 self.assertFalse(self.page(page, **{**reply, **change}))
 
+    def test_commands_show_what_they_write(self):
+        page = "```\n$ vexa eval 1\none\n$ dir/vexa repl\nvexa> 1\none\n```\n"
+        self.assertTrue(self.page(page, out="one\n"))
+        for change in ({"out": "two\n"}, {"err": "e\n"}, {"status": 1}):
+            with self.subTest(change):
+                self.assertFalse(self.page(page, **{"out": "one\n", **change}))
+        self.assertTrue(self.page(page.replace("one\n", ""), out="unseen\n"))
+        self.assertTrue(self.page(page.replace("one\n", "one\n...\n"), out="one\ntwo\n"))
+        self.assertFalse(self.page(page.replace("one\n", "two\n...\n"), out="one\ntwo\n"))
+        self.assertFalse(self.page("```\n$ other 1\n```\n"))
+        repl = check_docs.commands_of("$ vexa repl\nvexa> (1 +\n  ... 2)\n           3\n")[0]
+        self.assertEqual((repl.typed, repl.shown), ("(1 +\n2)\n", "           3\n"))
+
     def test_a_body_becomes_a_program_and_a_program_stays(self):
         self.assertEqual(check_docs.program_of("x = 1;\n"), "main()\n{\nx = 1;\n}\n")
         self.assertEqual(check_docs.program_of("main ()\n{ }\n"), "main ()\n{ }\n")
