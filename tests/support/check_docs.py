@@ -10,7 +10,7 @@ with status 1. A block ```vexa-fragment is not run.
 A block ``` that begins with "$ " shows commands. Each is carried out, in one folder that holds
 examples/, and must end with status 0. The lines below it are what it writes; of the repl, those
 after a prompt are what is typed. None are compared when there are none, and only the beginning
-when the last one is "...".
+when the last one is "...". A block ```console is not carried out.
 """
 
 import re
