@@ -5,6 +5,9 @@ PREFIX       ?= /usr/local
 DESTDIR      ?=
 # Program that `make run` shows.
 EXAMPLE      ?= examples/beam_deflection.vxp
+# Program whose drawing `make run` writes, and where.
+DRAWING      ?= examples/truss_drawing.vxp
+PICTURE      ?= build/truss_drawing.svg
 # Length of `make fuzz` for each target.
 FUZZ_SECONDS ?= 60
 # More arguments for the micro-benchmarks, for instance --benchmark_filter=Scanner.
@@ -15,7 +18,7 @@ VEXA_COMPARE ?=
 VEXA := build/release/bin/vexa
 
 .DEFAULT_GOAL := help
-.PHONY: help packages packages-dev build run test debug sanitize fuzz bench \
+.PHONY: help packages packages-dev build run pictures test debug sanitize fuzz bench \
         format lint install clean
 
 help: ## list these commands
@@ -32,8 +35,15 @@ build: packages ## build the program, build/release/bin/vexa
 	@cmake --preset release >/dev/null
 	@cmake --build --preset release --parallel $(JOBS) --target vexa
 
-run: build ## build and run an example (EXAMPLE=path for another)
+run: build ## build, run an example (EXAMPLE=path for another) and draw a picture
 	@$(VEXA) run $(EXAMPLE)
+	@$(VEXA) run $(DRAWING) --drawing $(PICTURE) >/dev/null
+	@echo && echo "A picture that $(DRAWING) has drawn: $(PICTURE)"
+
+pictures: build ## draw the pictures of the documents anew
+	@for picture in docs/pictures/*.svg; do \
+	  $(VEXA) run "examples/$$(basename "$$picture" .svg).vxp" --drawing "$$picture" >/dev/null; \
+	done
 
 test: packages ## build and run all tests
 	@cmake --preset release >/dev/null
