@@ -7,6 +7,8 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <memory>
+#include <string>
 #include <vector>
 
 #include "interp/program_text.h"
@@ -29,8 +31,8 @@ class NumericArgumentsTest : public ::testing::Test {
 
   InterpreterState& state() { return session.scope.state(); }
   void place(std::string_view text) {
-    m_text = prepareTypedText(text);
-    state().scanner.progCursor = m_text->data();
+    m_texts.push_back(prepareTypedText(text));
+    state().scanner.progCursor = m_texts.back()->data();
   }
   // The number of the message that a reader raises for a text.
   template <class Reader>
@@ -57,7 +59,8 @@ class NumericArgumentsTest : public ::testing::Test {
   ScriptedSession session;
 
  private:
-  std::shared_ptr<const std::string> m_text;
+  // All of them: the last token of one is still current when the next has its place.
+  std::vector<std::shared_ptr<const std::string>> m_texts;
 };
 
 TEST_F(NumericArgumentsTest, DataAreTakenInStorageOrder) {
