@@ -16,6 +16,7 @@
 #include "numlib/finance/finance_builtins.h"
 #include "numlib/fitting/fitting_builtins.h"
 #include "numlib/interpolation/interpolation_builtins.h"
+#include "numlib/interpolation/polynomial_builtins.h"
 #include "numlib/linear/linear_builtins.h"
 #include "numlib/random/random_builtins.h"
 #include "numlib/special/complex_builtins.h"
@@ -141,6 +142,9 @@ constexpr Group groups[] = {
     {eigenBuiltin, "eigen"},
     {svdBuiltin, "svd"},
     {svsolveBuiltin, "svsolve"},
+    {rootsBuiltin, "roots"},
+    {polyBuiltin, "poly"},
+    {polycoeBuiltin, "polycoe"},
     {interpolationBuiltin, "hermint hermit lint polint ratint"},
     {splineBuiltin, "spline splint"},
     {lookupBuiltin, "lookup"},
@@ -159,7 +163,6 @@ constexpr std::string_view laterMembers = "plot plotanimate";
 // Groups whose handler is still to come.
 constexpr std::string_view laterGroups[] = {
     // Numerical library.
-    "roots",
     "gausspt",
     "lfit",
     "lcfit",
@@ -168,9 +171,7 @@ constexpr std::string_view laterGroups[] = {
     "grad",
     "curl div jacob",
     "odesint",
-    "poly",
     "simplx",
-    "polycoe",
     // Plotting.
     "project",
     "poly2bezier",
