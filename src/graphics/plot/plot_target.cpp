@@ -69,6 +69,10 @@ double figureCountResult() {
 
 void appendFigure(std::unique_ptr<CFigure> figure) {
   CMiniDrawDoc& drawing = currentDrawing();
+  if (drawing.figureCount() >= mostFigures) {
+    messageBox("Too many figures in the drawing");
+    return raiseError(ErrorKey::invalidData);
+  }
   const std::size_t position = drawing.add(std::move(figure));
   shell().windowOf(drawing).changed(position);
 }

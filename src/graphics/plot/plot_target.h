@@ -38,7 +38,11 @@ void leaveRangeAsResult();
 // of figures with the no-echo mark.
 double figureCountResult();
 
-// Appends a figure to the current drawing and has its view repainted.
+// More figures than this in one drawing are a loop that does not end.
+inline constexpr std::size_t mostFigures = 2'000'000;
+
+// Appends a figure to the current drawing and has its view repainted. A full drawing says so
+// and raises key 34.
 void appendFigure(std::unique_ptr<CFigure> figure);
 template <class Figure, class... Arguments>
 void plotFigure(Arguments&&... arguments) {

@@ -2,11 +2,17 @@
 
 #include "graphics/plot/plot_state.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <limits>
 
-#include "graphics/document/mini_draw_doc.h"
+#include "graphics/document/drawing_file.h"
+#include "graphics/figures/lines.h"
+#include "graphics/plot/drawing_messages.h"
+#include "graphics/plot/plot_target.h"
+#include "graphics/surfaces/recording_surface.h"
+#include "interp/errors.h"
 #include "support/scripted_shell.h"
 
 namespace vexa {
@@ -174,6 +180,41 @@ TEST(PlotBuiltins, PlotIntoTheDrawingInFront) {
   ASSERT_TRUE(session.run("main() { plotline(0,0,9,9); }"));
   EXPECT_EQ(loaded.figureCount(), 2u);
   CoreCommands().documentClosed(&loaded);
+}
+
+TEST(PlotBuiltins, ALoopWithoutAnEndFillsADrawingAndNoMore) {
+  ScriptedSession session;
+  CMiniDrawDoc& drawing = session.shell.newDrawing();
+  while (drawing.figureCount() < mostFigures - 1) drawing.append(CLine());
+  session.run("main() { while (1) { plotline(0,0,1,1); } }");
+  EXPECT_EQ(drawing.figureCount(), mostFigures);
+  ASSERT_EQ(session.messages().size(), 2u);
+  EXPECT_EQ(session.messages()[0], "Too many figures in the drawing");
+}
+
+TEST(PlotBuiltins, LoadsAndPaintsTellTheirTrouble) {
+  ScriptedSession session;
+  CMiniDrawDoc drawing;
+  drawing.emptyDrawing();
+  const std::string bytes = writeDrawing(drawing);
+  const std::string note(drawingLoadNote);
+  EXPECT_TRUE(loadDrawing(bytes, drawing));
+  EXPECT_FALSE(loadDrawing(bytes.substr(0, 50), drawing));
+  EXPECT_FALSE(loadDrawing(std::string(8, '\0'), drawing));
+  const std::vector<std::string> messages = session.messages();
+  ASSERT_EQ(messages.size(), 4u);
+  EXPECT_EQ(messages[0], note);
+  EXPECT_EQ(messages[1], note);
+  EXPECT_EQ(messages[2], archiveMessage(ArchiveError::endOfFile));
+  EXPECT_THAT(messages[3], testing::HasSubstr("File format corrupted"));
+
+  // Nothing runs: the texts that follow are not drawn. While something runs, it stops.
+  RecordingSurface surface({.canMakeFonts = false});
+  paintDrawing(drawing, surface, windowPaintOptions());
+  EXPECT_EQ(session.messages().size(), 4u);
+  interpreter().evaluating = true;
+  EXPECT_THROW(paintDrawing(drawing, surface, windowPaintOptions()), RunAbandoned);
+  EXPECT_THAT(session.messages().at(4), testing::HasSubstr("Unable to create font"));
 }
 
 }  // namespace
