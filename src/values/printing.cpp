@@ -269,10 +269,13 @@ void ItemPrinter::appendNumberedCell(double x) {
 // Groups of columns that fit a line, each below a heading of column numbers.
 void ItemPrinter::numberedRows(const Matrix& m) {
   std::size_t width = m_format ? 0 : numberedCellWidth;
-  for (const double x : m.elements()) {
-    m_line.clear();
-    appendNumberedCell(x);
-    width = std::max(width, m_line.size());
+  for (int i = 1; i <= m.rows(); ++i) {
+    pollEachRows(i);
+    for (int j = 1; j <= m.cols(); ++j) {
+      m_line.clear();
+      appendNumberedCell(m.at(i, j));
+      width = std::max(width, m_line.size());
+    }
   }
   const int group = static_cast<int>(
       std::max<std::size_t>(1, (numberedLineWidth - rowNumberWidth) / (width + 1)));
