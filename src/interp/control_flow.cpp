@@ -17,7 +17,7 @@ void executeBlock() {
 // A part of `for`: an expression whose number counts; its delimiter is current on return.
 double readPart() {
   getToken();
-  if (!startsMarkedExpression(interpreter().scanner)) return evalPlainExpressionFromToken();
+  if (!interpreter().scanner.isMark()) return evalPlainExpressionFromToken();
   Value value;
   const bool complex = interpreter().scanner.tokenChar == '@';
   evalExpressionFromToken(value);

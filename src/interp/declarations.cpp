@@ -20,7 +20,7 @@ bool isWholeWord(int tokenClass) { return tokenClass == classInt || tokenClass =
 // The name after a type word or a comma, or an empty text after key 36.
 std::string_view readDeclaredName(const Scanner& scanner) {
   getToken();
-  if (scanner.tokenType == TOKEN_NAME && scanner.tokenChar == noTokenChar) return scanner.tokenText;
+  if (scanner.isWord()) return scanner.tokenText;
   raiseError(ErrorKey::variableNameExpected);
   return {};
 }

@@ -79,7 +79,7 @@ bool matrixItemFollows() {
   const Scanner& scanner = interpreter().scanner;
   getToken();
   bool follows = false;
-  if (scanner.tokenType == TOKEN_NAME && (scanner.tokenChar == '!' || scanner.tokenChar == '@')) {
+  if (scanner.isMark()) {
     follows = true;
   } else if (scanner.tokenType == TOKEN_NAME && scanner.symbol && matrixOf(*scanner.symbol)) {
     const char next = nextCharacter();

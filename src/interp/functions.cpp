@@ -139,8 +139,7 @@ void evaluateArguments(State& state, ArgumentList& arguments, CallLine& line) {
     for (;;) {
       if (scanner.atEnd()) raiseError(ErrorKey::syntax);
       if (arguments.count() == argumentLimit) raiseError(ErrorKey::tooManyArguments);
-      if (scanner.tokenType == TOKEN_NAME &&
-          (scanner.tokenChar == '!' || scanner.tokenChar == '@')) {
+      if (scanner.isMark()) {
         markedArgument(state, arguments);
       } else if (Matrix* matrix = loneMatrix(state)) {
         arguments.addMatrix(matrix, false);
@@ -198,8 +197,7 @@ void bindParameter(State& state, const Symbol& function, int index) {
                     scanner.tokenCode == state.calls.local(index).type;
   if (!fits) raiseError(ErrorKey::argumentMismatch);
   getToken();
-  if (scanner.tokenType != TOKEN_NAME || scanner.tokenChar != noTokenChar)
-    raiseError(ErrorKey::dummyArgumentExpected);
+  if (!scanner.isWord()) raiseError(ErrorKey::dummyArgumentExpected);
   if (function.state == 0 && scanner.symbol && scanner.symbol->localTop >= mark)
     raiseError(ErrorKey::localRedeclared);
   Symbol* name = scanner.symbol ? scanner.symbol : state.names.intern(scanner.tokenText);
@@ -346,8 +344,7 @@ void returnNamedMatrix(State& state, char mark) {
   const Scanner& scanner = state.scanner;
   getToken();
   Symbol* symbol = nullptr;
-  if (scanner.tokenType == TOKEN_NAME && scanner.tokenChar == noTokenChar && scanner.symbol &&
-      *skipBlanks(scanner.progCursor) == ';')
+  if (scanner.isWord() && scanner.symbol && *skipBlanks(scanner.progCursor) == ';')
     symbol = scanner.symbol;
   Value value;
   evalMatrixExpression(value, mark, false);
@@ -375,7 +372,7 @@ void executeReturn() {
   double x = 0.0;
   Matrix* matrix = nullptr;
   if (scanner.tokenChar != ';') {
-    if (scanner.tokenType == TOKEN_NAME && (scanner.tokenChar == '!' || scanner.tokenChar == '@')) {
+    if (scanner.isMark()) {
       returnNamedMatrix(state, static_cast<char>(scanner.tokenChar));
       matrix = state.returnMatrix;
     } else {
@@ -397,7 +394,7 @@ void executeReturn() {
 bool checkDummyName() {
   const State& state = interpreter();
   const Scanner& scanner = state.scanner;
-  if (scanner.tokenType != TOKEN_NAME || scanner.tokenChar != noTokenChar) {
+  if (!scanner.isWord()) {
     raiseError(ErrorKey::variableNameExpected);
     return false;
   }

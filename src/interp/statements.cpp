@@ -25,7 +25,7 @@ void expectSemicolon(const Scanner& scanner) {
 
 // An expression and its semicolon, the expression's first token being current.
 void expressionStatement(const Scanner& scanner) {
-  if (!startsMarkedExpression(scanner)) {
+  if (!scanner.isMark()) {
     evalPlainExpressionFromToken();
     expectSemicolon(scanner);
     return;

@@ -25,18 +25,9 @@ bool nameEndsArgument() {
   return next == '\0' || (next != '{' && endsArgument(static_cast<unsigned char>(next)));
 }
 
-bool isMark(const Scanner& scanner) {
-  return scanner.tokenType == TOKEN_NAME && (scanner.tokenChar == '!' || scanner.tokenChar == '@');
-}
-
-// A word; the one-character names `!`, `%` and `@` are none.
-bool isWord(const Scanner& scanner) {
-  return scanner.tokenType == TOKEN_NAME && scanner.tokenChar == noTokenChar;
-}
-
 // The matrix of the current token, or null.
 Matrix* tokenMatrix(const Scanner& scanner) {
-  return isWord(scanner) && scanner.symbol ? matrixOf(*scanner.symbol) : nullptr;
+  return scanner.isWord() && scanner.symbol ? matrixOf(*scanner.symbol) : nullptr;
 }
 
 // What a reader gives where a fault did not unwind (outside of an evaluation), so that its caller
@@ -247,7 +238,7 @@ MatrixArgument MatrixArgument::owned(Matrix* temporaryMatrix) {
 MatrixArgument readMatrix(bool allowString) {
   const Scanner& scanner = interpreter().scanner;
   getToken();
-  if (isMark(scanner)) {
+  if (scanner.isMark()) {
     const auto mark = static_cast<char>(scanner.tokenChar);
     const char* markStart = scanner.tokenStart;
     getToken();
@@ -322,7 +313,7 @@ MatrixReference readMatrixReference() {
 NameArgument readName(ErrorKey fault) {
   const Scanner& scanner = interpreter().scanner;
   getToken();
-  if (isWord(scanner)) return {std::string(scanner.tokenText), scanner.nameKind};
+  if (scanner.isWord()) return {std::string(scanner.tokenText), scanner.nameKind};
   raiseError(fault);
   return {};
 }
@@ -348,7 +339,7 @@ std::string readResultName() {
   const Scanner& scanner = interpreter().scanner;
   getToken();
   if (scanner.tokenType == TOKEN_NAME && scanner.tokenChar == '!') getToken();
-  if (!isWord(scanner)) {
+  if (!scanner.isWord()) {
     raiseError(ErrorKey::nameIsKeyword);
     return {};
   }
@@ -413,7 +404,7 @@ void ScalarTarget::store(double x) const { storeScalar(m_name, x); }
 ScalarTarget readScalarName() {
   const Scanner& scanner = interpreter().scanner;
   getToken();
-  if (!isWord(scanner)) {
+  if (!scanner.isWord()) {
     raiseError(scanner.tokenType == TOKEN_KEYWORD ? ErrorKey::nameIsKeyword
                                                   : ErrorKey::variableNameExpected);
     return ScalarTarget({});
@@ -426,7 +417,7 @@ ScalarTarget readScalarName() {
 char readOption(std::string_view allowed, ErrorKey unknown) {
   const Scanner& scanner = interpreter().scanner;
   getToken();
-  if (!isWord(scanner) || scanner.tokenText.size() != 1) {
+  if (!scanner.isWord() || scanner.tokenText.size() != 1) {
     raiseError(ErrorKey::invalidData);
     return 0;
   }

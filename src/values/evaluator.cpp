@@ -460,7 +460,7 @@ double evalPlainExpressionFromToken() {
 void evalExpressionFromToken(Value& result) {
   State& state = interpreter();
   const Scanner& scanner = state.scanner;
-  if (!startsMarkedExpression(scanner)) {
+  if (!scanner.isMark()) {
     result.setScalar(evalPlainExpressionFromToken());
     return;
   }

@@ -43,10 +43,6 @@ void evalExpression(Value& result);
 void evalExpressionFromToken(Value& result);
 // The same where the current token is no `!` or `@`: a number.
 double evalPlainExpressionFromToken();
-// Whether the current token is the `!` or `@` of a matrix or complex expression.
-inline bool startsMarkedExpression(const Scanner& scanner) {
-  return scanner.tokenChar == '!' || scanner.tokenChar == '@';
-}
 
 // A condition expression, from the current token on; the first token after it is current then.
 double evalCondition();

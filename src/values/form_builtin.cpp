@@ -64,8 +64,7 @@ FormField fieldOfVariable(std::string label) {
   const Scanner& scanner = interpreter().scanner;
   FormField field;
   const NameKind kind = scanner.nameKind;
-  if (scanner.tokenType != TOKEN_NAME ||
-      (kind != NameKind::local && kind != NameKind::dummy && kind != NameKind::variable)) {
+  if (!scanner.isWord() || !isVariable(kind)) {
     raiseError(ErrorKey::undefinedVariable);
     return field;
   }

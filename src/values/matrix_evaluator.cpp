@@ -479,7 +479,7 @@ void partAssignment(State& state, Value& value, Place place) {
 
 void valueAssignment(State& state, Value& value, Place place) {
   const Scanner& scanner = state.scanner;
-  if (scanner.tokenType == TOKEN_NAME && scanner.tokenChar == noTokenChar) {
+  if (scanner.isWord()) {
     const char* after = skipBlanks(scanner.progCursor);
     const bool variable = scanner.nameKind <= NameKind::variable;
     if (isAssignmentSign(after)) {

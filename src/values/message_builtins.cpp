@@ -32,10 +32,6 @@ std::string readTextArgument() {
 
 // ---- view, debugview, select ----
 
-bool isVariable(NameKind kind) {
-  return kind == NameKind::local || kind == NameKind::dummy || kind == NameKind::variable;
-}
-
 // A variable's name; key 58 for any other word.
 std::string readVariableName() {
   NameArgument name = readName();

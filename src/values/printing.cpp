@@ -119,9 +119,8 @@ bool ItemPrinter::printItem() {
     case TOKEN_STRING:
       return printLiteral();
     case TOKEN_NAME: {
-      const unsigned char mark = m_scanner.tokenChar;
-      if (mark == '!' || mark == '@') return printMarked();
-      if (mark == '%') return printPercent();
+      if (m_scanner.isMark()) return printMarked();
+      if (m_scanner.tokenChar == '%') return printPercent();
       const Matrix* named = namedMatrix();
       if (!named || nextCharacter() == '[') return printScalar();
       return printNamed(*named);

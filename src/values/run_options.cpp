@@ -92,7 +92,7 @@ double execExpression() {
   const Scanner& scanner = interpreter().scanner;
   getToken();
   double x = 0.0;
-  if (scanner.tokenType == TOKEN_NAME && (scanner.tokenChar == '!' || scanner.tokenChar == '@')) {
+  if (scanner.isMark()) {
     Value value;
     evalMatrixExpression(value, static_cast<char>(scanner.tokenChar), true);
     if (value.tempMark) interpreter().currentMatrix = nullptr;
@@ -127,8 +127,7 @@ double deleteBuiltin() {
   bool more = true;
   while (more) {
     getToken();
-    const bool isName = (scanner.tokenType == TOKEN_NAME && scanner.tokenChar == noTokenChar) ||
-                        scanner.tokenType == TOKEN_KEYWORD;
+    const bool isName = scanner.isWord() || scanner.tokenType == TOKEN_KEYWORD;
     const std::string name(scanner.tokenText);
     if (!isName) raiseError(ErrorKey::variableNameExpected);
     more = moreArguments(ErrorKey::invalidData);

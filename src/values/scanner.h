@@ -77,6 +77,10 @@ enum class NameKind : std::uint8_t {
   builtin,
 };
 
+inline bool isVariable(NameKind kind) {
+  return kind == NameKind::local || kind == NameKind::dummy || kind == NameKind::variable;
+}
+
 struct Scanner {
   const char* progCursor = nullptr;
   const char* tokenStart = nullptr;
@@ -99,6 +103,10 @@ struct Scanner {
     // The text first: comparing type and code at once would wait for both stores of the scanner.
     return tokenText.empty() && tokenCode == FINISHED && tokenType == TOKEN_DELIMITER;
   }
+  // A name; the one-character names `!`, `%` and `@` are none.
+  bool isWord() const { return tokenType == TOKEN_NAME && tokenChar == noTokenChar; }
+  // The `!` or `@` of a matrix or complex expression.
+  bool isMark() const { return tokenChar == '!' || tokenChar == '@'; }
   // The first byte of an operator's code, 0 for every other token.
   unsigned char operatorCode() const {
     return tokenType == TOKEN_DELIMITER && !tokenText.empty()

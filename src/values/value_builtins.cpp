@@ -336,8 +336,8 @@ double isvarBuiltin() {
   const Scanner& scanner = interpreter().scanner;
   expectChar('(');
   getToken();
-  const bool isName = scanner.tokenType == TOKEN_STRING || scanner.tokenType == TOKEN_KEYWORD ||
-                      (scanner.tokenType == TOKEN_NAME && scanner.tokenChar == noTokenChar);
+  const bool isName =
+      scanner.tokenType == TOKEN_STRING || scanner.tokenType == TOKEN_KEYWORD || scanner.isWord();
   if (!isName) raiseError(ErrorKey::variableNameExpected);
   const std::string name(scanner.tokenText);
   expectChar(')');
