@@ -149,6 +149,9 @@ constexpr Group groups[] = {
     {splineBuiltin, "spline splint"},
     {lookupBuiltin, "lookup"},
     {significanceBuiltin, "correlation ftest studente studentp studentu"},
+    {lfitBuiltin, "lfit"},
+    {lcfitBuiltin, "lcfit"},
+    {simplxBuiltin, "simplx"},
     {movingaverageBuiltin, "movingaverage"},
     {moneyBuiltin, "cumipmt cumprinc fv intrate ipmt irr nper npv pmt ppmt pv xirr xnpv"},
     {dateBuiltin, "date2serial serial2date"},
@@ -164,14 +167,11 @@ constexpr std::string_view laterMembers = "plot plotanimate";
 constexpr std::string_view laterGroups[] = {
     // Numerical library.
     "gausspt",
-    "lfit",
-    "lcfit",
     "nfit",
     "minzs",
     "grad",
     "curl div jacob",
     "odesint",
-    "simplx",
     // Plotting.
     "project",
     "poly2bezier",
