@@ -1,4 +1,4 @@
-// Loading, saving and painting long lists of figures; each must be linear in the length.
+// Loading, saving, painting and exporting long lists of figures; each must be linear in the length.
 
 #include <benchmark/benchmark.h>
 
@@ -12,6 +12,7 @@
 #include "graphics/figures/lines.h"
 #include "graphics/figures/texts.h"
 #include "graphics/surfaces/blank_surface.h"
+#include "graphics/view/pictures.h"
 
 namespace vexa {
 namespace {
@@ -83,6 +84,22 @@ void paintFigures(benchmark::State& state) {
   state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 BENCHMARK(paintFigures)->Arg(20000)->Arg(200000)->Unit(benchmark::kMillisecond);
+
+void exportSvg(benchmark::State& state) {
+  CMiniDrawDoc drawing;
+  fillDrawing(drawing, state.range(0));
+  for (auto _ : state) benchmark::DoNotOptimize(drawingAsSvg(drawing, {}).size());
+  state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(exportSvg)->Arg(20000)->Arg(200000)->Unit(benchmark::kMillisecond);
+
+void exportMetafile(benchmark::State& state) {
+  CMiniDrawDoc drawing;
+  fillDrawing(drawing, state.range(0));
+  for (auto _ : state) benchmark::DoNotOptimize(drawingAsMetafile(drawing, {})->size());
+  state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(exportMetafile)->Arg(20000)->Arg(200000)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace vexa

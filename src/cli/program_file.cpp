@@ -41,7 +41,7 @@ std::string remedyFor(int error) {
     case EPERM:
       return "ask for permission to read it";
     case EISDIR:
-      return "name a program file in it";
+      return "name a file in it";
     default:
       return "try another file";
   }
@@ -85,7 +85,7 @@ ProgramFile readProgramFile(const std::string& path) {
   try {
     const int error = descriptor.number() < 0 ? errno : readAll(descriptor.number(), file.text);
     if (error == EFBIG)
-      file.problem = name + " holds more than 1 GB; split the program";
+      file.problem = name + " holds more than 1 GB; split it";
     else if (error == EINTR)
       file.problem = "reading " + name + " was interrupted; try again";
     else if (error != 0)

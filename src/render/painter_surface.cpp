@@ -2,6 +2,7 @@
 
 #include <QPainterPath>
 #include <QStringList>
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <new>
@@ -143,13 +144,18 @@ void PainterSurface::guarded(Draw draw) {
   }
 }
 
+// A pen as wide as all that is near covers the page as wider ones do, and takes bounded time.
+double PainterSurface::penWidth() const {
+  return std::clamp(static_cast<double>(pen().width), 0.0, static_cast<double>(m_near.width()));
+}
+
 void PainterSurface::usePen(double width) {
   // A pen of width 0 is one device pixel wide at any scale.
   m_painter.setPen(QPen(qtColor(pen().color), width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
 }
 
 void PainterSurface::stroke(const QPainterPath& path) {
-  usePen(std::max(pen().width, 0));
+  usePen(penWidth());
   m_painter.strokePath(path, m_painter.pen());
 }
 
@@ -188,7 +194,7 @@ void PainterSurface::line(Point from, Point to) {
   guarded([&] {
     const std::array ends{from, to};
     if (isNear(ends, m_near)) {
-      usePen(std::max(pen().width, 0));
+      usePen(penWidth());
       m_painter.drawLine(QLineF(at(from), at(to)));
     } else {
       strokePieces(ends);
@@ -215,7 +221,7 @@ void PainterSurface::polygon(std::span<const Point> points) {
     }
     QPainterPath path = polygonPath(points);
     path.closeSubpath();
-    fillAndStroke(path, std::max(pen().width, 0));
+    fillAndStroke(path, penWidth());
   });
 }
 
@@ -229,7 +235,7 @@ void PainterSurface::bezierPath(std::span<const Point> points) {
   guarded([&] {
     QPainterPath path = bezierPathOf(points);
     path.closeSubpath();
-    fillAndStroke(path, std::max(pen().width, 0));
+    fillAndStroke(path, penWidth());
   });
 }
 

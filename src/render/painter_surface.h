@@ -56,6 +56,7 @@ class PainterSurface : public DrawingSurface {
   void strokePieces(std::span<const Point> points);
   void fillAndStroke(const QPainterPath& path, double strokeWidth);
   void fillHatch(const QPainterPath& path);
+  double penWidth() const;
   void usePen(double width);
   const QFont& paintFont();
 

@@ -32,8 +32,8 @@ class BadInputTest(CommandLineTest):
     def test_files_that_are_none(self):
         os.mkdir(self.folder / "folder")
         cases = [("missing.vxp", "No such file or directory; check the path"),
-                 ("folder", "Is a directory; name a program file in it"),
-                 ("folder/", "Is a directory; name a program file in it"),
+                 ("folder", "Is a directory; name a file in it"),
+                 ("folder/", "Is a directory; name a file in it"),
                  ("p.vxp/x", "Not a directory; check the path"),
                  ("x" * 300, "File name too long; try another file"),
                  ("with\nline", "No such file or directory; check the path")]
@@ -45,7 +45,7 @@ class BadInputTest(CommandLineTest):
         folder = os.open(self.folder, os.O_RDONLY)
         self.addCleanup(os.close, folder)
         self.check(self.vexa("run", "-", stdin=folder), "",
-                   "vexa: cannot read standard input: Is a directory; name a program file in it\n",
+                   "vexa: cannot read standard input: Is a directory; name a file in it\n",
                    2)
 
     def test_unreadable_file(self):
@@ -170,9 +170,9 @@ class BadInputTest(CommandLineTest):
         with open(self.folder / "p.vxp", "wb") as program:
             program.truncate((1 << 30) + 1)
         self.check(self.run_soon("p.vxp"), "",
-                   "vexa: p.vxp holds more than 1 GB; split the program\n", 2)
+                   "vexa: p.vxp holds more than 1 GB; split it\n", 2)
         done = self.run_soon("/dev/zero", memory=None)
-        self.check(done, "", "vexa: /dev/zero holds more than 1 GB; split the program\n", 2)
+        self.check(done, "", "vexa: /dev/zero holds more than 1 GB; split it\n", 2)
 
     def test_a_broken_program_is_no_flood_for_eval(self):
         self.write("p.vxp", random.Random(3).randbytes(500000).replace(b"\n", b""))

@@ -73,7 +73,7 @@ class PipeTest(CommandLineTest):
         self.assertEqual(done.returncode, 1)
         self.assertEqual(done.stderr.decode().splitlines(), [
             "vexa: cannot read none.vxp: No such file or directory; check the path",
-            "vexa: cannot read .: Is a directory; name a program file in it",
+            "vexa: cannot read .: Is a directory; name a file in it",
             "vexa: load needs a file: load PROGRAM.vxp",
             "vexa: cannot read none.vxp: No such file or directory; check the path",
             f'bad.vxp:3: error: {DIVISION}   near "; " on line  3'])
