@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 
 #include "graphics/document/archive.h"
 #include "graphics/document/mini_draw_doc.h"
@@ -54,6 +55,20 @@ void CLineArrows::Draw(DrawingSurface& surface) const {
 
 CFigure& CLineArrows::Duplicate(CMiniDrawDoc& document) const { return document.append(*this); }
 
+namespace {
+
+// Whether an arrow, head and pen included, reaches into an area. A few words of a file can ask for
+// very many arrows, so those that nobody would see are not drawn.
+bool touches(const Rect& area, Point tip, Point tail, std::int32_t penWidth) {
+  const Rect box = normalized({tip.x, tip.y, tail.x, tail.y});
+  const std::int64_t margin = std::abs(std::int64_t{penWidth}) + 2;
+  return intersects({saturated(box.left - margin), saturated(box.top - margin),
+                     saturated(box.right + margin), saturated(box.bottom + margin)},
+                    area);
+}
+
+}  // namespace
+
 const RuntimeClass& CArrowsUDL::GetRuntimeClass() const {
   return runtimeClass(FigureType::arrowsUdl);
 }
@@ -87,7 +102,9 @@ void CArrowsUDL::Draw(DrawingSurface& surface) const {
     const double x = m_X1 + k * spacing * along.x;
     const double y = m_Y1 + k * spacing * along.y;
     const Point tip{truncated(x), truncated(y)};
-    surface.line({truncated(x + side * left.x), truncated(y + side * left.y)}, tip);
+    const Point tail{truncated(x + side * left.x), truncated(y + side * left.y)};
+    if (!touches(surface.paintArea(), tip, tail, m_PenWidth)) continue;
+    surface.line(tail, tip);
     drawArrowhead(surface, tip, inward, m_PenWidth, drawingColor(), head);
   }
 }

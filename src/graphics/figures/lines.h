@@ -54,8 +54,8 @@ class CArrowsUDL : public CFigure {
 
   const RuntimeClass& GetRuntimeClass() const override;
   void Serialize(DrawingArchive& archive) override;
-  // Arrows stand about 20 units apart, each 20 units long for a load of 1. At most 10 000 are
-  // drawn, which is some 140 pages in a row.
+  // Arrows stand about 20 units apart, each 20 units long for a load of 1. Those outside of
+  // the area to paint, and any beyond the first 10 000, are left out.
   void Draw(DrawingSurface& surface) const override;
   CFigure& Duplicate(CMiniDrawDoc& document) const override;
 
