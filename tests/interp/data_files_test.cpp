@@ -121,14 +121,6 @@ TEST_F(DataFiles, WritesTheseBytes) {
                              head(0, 1) + '\0' + head(1, 0) + number(65));
 }
 
-TEST_F(DataFiles, ReadsWhatItWrote) {
-  setFileBytes(sample);
-  run(readSample);
-  EXPECT_EQ(message(), "");
-  EXPECT_EQ(valueOf("a"), "         2.5\n");
-  EXPECT_EQ(valueOf("m[1,2] + m[2,3]"), "           4\n");
-}
-
 TEST_F(DataFiles, CutOffAnywhereIsRefused) {
   for (std::size_t length = 0; length < sample.size(); ++length) {
     setFileBytes(sample.substr(0, length));
@@ -205,6 +197,14 @@ TEST_F(DataFiles, OnlyRegularFilesAreRead) {
     EXPECT_EQ(m_session.evaluate("openfiletoread()"), "          -1\n") << name;
     EXPECT_EQ(closeAllDataFiles(), 0) << name;
   }
+}
+
+TEST_F(DataFiles, FifteenAreOpenAtMost) {
+  m_session.shell.openFiles.clear();
+  m_session.shell.saveFiles.assign(16, m_file);
+  m_session.run("main() { for (i = 0; i < 16; i = i + 1) { x = openfiletowrite(); } }");
+  EXPECT_THAT(message(), HasSubstr("#10: Currently opened files exceed limit of 15"));
+  EXPECT_EQ(m_session.shell.saveFiles.size(), 1u) << "the dialog is not shown in vain";
 }
 
 TEST_F(DataFiles, RunsCloseAllFilesAtBothEnds) {

@@ -57,17 +57,6 @@ TEST(UniformGenerator, FillingIsDrawing) {
   }
 }
 
-// Two seeds share one table: drawing with one changes what the other gives, in the way in which
-// the table passes through both.
-TEST(UniformGenerator, SeedsShareTheTable) {
-  UniformGenerator shared, alone;
-  std::int32_t a = -1, b = -2, single = -1;
-  shared.draw(a);
-  alone.draw(single);
-  shared.draw(b);
-  EXPECT_NE(shared.draw(a), alone.draw(single));
-}
-
 TEST(UniformGenerator, EverySeedStartsASequenceInsideTheUnitInterval) {
   constexpr std::int32_t largest = std::numeric_limits<std::int32_t>::max();
   for (const std::int32_t start : {0, -1, -7, -largest, -largest - 1, 1 - largest}) {
@@ -86,23 +75,6 @@ TEST(UniformGenerator, EverySeedStartsASequenceInsideTheUnitInterval) {
   EXPECT_EQ(one.draw(modulus), other.draw(first));
 }
 
-// 1/12 and 1/180 are the variance of a deviate and that of its square about the mean; five standard
-// errors of a million draws.
-TEST(UniformGenerator, MeanAndVarianceAreThoseOfTheUnitInterval) {
-  constexpr std::size_t count = 1000000;
-  UniformGenerator generator;
-  std::int32_t seed = -5;
-  std::vector<double> values(count);
-  generator.fill(values, seed);
-  double sum = 0, squares = 0;
-  for (const double x : values) {
-    sum += x - 0.5;
-    squares += (x - 0.5) * (x - 0.5);
-  }
-  EXPECT_NEAR(sum / count, 0, 5 * std::sqrt(1.0 / 12 / count));
-  EXPECT_NEAR(squares / count, 1.0 / 12, 5 * std::sqrt(1.0 / 180 / count));
-}
-
 // The logarithm, a quotient, a root and a product of doubles: each within one rounding.
 TEST(NormalGenerator, DrawsAreThoseOfTheReference) {
   const auto rows = readReference("normal.csv");
@@ -117,16 +89,6 @@ TEST(NormalGenerator, DrawsAreThoseOfTheReference) {
                   3 * std::numeric_limits<double>::epsilon() * std::fabs(row.numbers[i]))
           << "draw " << i << " of seed " << row.seed;
   }
-}
-
-TEST(NormalGenerator, SpareIsGivenNextWhateverTheSeed) {
-  UniformGenerator uniform, otherUniform;
-  NormalGenerator generator(uniform), other(otherUniform);
-  std::int32_t seed = -3, otherSeed = -3, untouched = -1000;
-  generator.draw(seed);
-  other.draw(otherSeed);
-  EXPECT_EQ(generator.draw(untouched), other.draw(otherSeed));
-  EXPECT_EQ(untouched, -1000) << "a spare uses no uniform draw";
 }
 
 }  // namespace

@@ -51,21 +51,6 @@ TEST(Moments, LargeMeanWithSmallSpreadKeepsTheDigitsOfTheData) {
   }
 }
 
-// {1, 2, 3, 4, 10}: mean 4, deviations -3 -2 -1 0 6, sums of their powers 50, 180, 1394.
-TEST(Moments, SmallSetAgreesWithSumsByHand) {
-  const Moments m = momentsOf(Values{1, 2, 3, 4, 10});
-  EXPECT_EQ(m.count, 5);
-  EXPECT_EQ(m.sum, 20);
-  EXPECT_EQ(m.largest, 10);
-  EXPECT_EQ(m.smallest, 1);
-  EXPECT_EQ(m.mean, 4);
-  EXPECT_EQ(m.meanDeviation, 12.0 / 5);
-  EXPECT_EQ(m.variance, 12.5);
-  EXPECT_EQ(m.standardDeviation, std::sqrt(12.5));
-  EXPECT_NEAR(m.skewness, 180 / (5 * 12.5 * std::sqrt(12.5)), 2 * epsilon);
-  EXPECT_NEAR(m.kurtosis, 1394 / (5 * 12.5 * 12.5) - 3, 4 * epsilon);
-}
-
 // Whole numbers are summed without rounding, so every length must agree exactly: a value lost or
 // counted twice at the end of a group shows.
 TEST(Moments, EveryLengthCountsEachValueOnce) {
@@ -95,26 +80,6 @@ TEST(Moments, NoneAreGivenWhenInterrupted) {
     EXPECT_FALSE(computeMoments(values, undefined, [&] { return ++questions == last; }));
     EXPECT_EQ(questions, last);
   }
-}
-
-TEST(Moments, WhatIsNotDefinedTakesTheMark) {
-  const Moments none = momentsOf({});
-  EXPECT_EQ(none.count, 0);
-  EXPECT_EQ(none.sum, 0);
-  EXPECT_EQ(none.mean, undefined);
-  EXPECT_EQ(none.meanDeviation, undefined);
-  EXPECT_EQ(none.largest, -undefined);
-  EXPECT_EQ(none.smallest, undefined);
-  const Moments single = momentsOf(Values{7});
-  EXPECT_EQ(single.mean, 7);
-  EXPECT_EQ(single.meanDeviation, 0);
-  EXPECT_EQ(single.variance, undefined);
-  EXPECT_EQ(single.kurtosis, undefined);
-  const Moments constant = momentsOf(Values(9, 2.5));
-  EXPECT_EQ(constant.variance, 0);
-  EXPECT_EQ(constant.standardDeviation, 0);
-  EXPECT_EQ(constant.skewness, undefined);
-  EXPECT_EQ(constant.kurtosis, undefined);
 }
 
 // Not-a-number is never larger or smaller, and neither is a value beyond the mark.
@@ -160,42 +125,6 @@ TEST(Moments, RandomSetsAgreeWithHigherPrecision) {
     EXPECT_NEAR(m.kurtosis, static_cast<double>(fourths / (n * variance * variance) - 3),
                 tolerance);
   }
-}
-
-TEST(Selection, RelationsHoldAtTheThresholdAndItsTolerance) {
-  const Values elements{-2, 1, 1.5, 2, 2.0625, 2.125, 3, notANumber};
-  struct Case {
-    Relation relation;
-    bool absolute;
-    Values selected;
-  };
-  const std::vector<Case> cases = {
-      {Relation::less, false, {-2, 1, 1.5}},
-      {Relation::lessOrEqual, false, {-2, 1, 1.5, 2}},
-      {Relation::greater, false, {2.0625, 2.125, 3}},
-      {Relation::greaterOrEqual, false, {2, 2.0625, 2.125, 3}},
-      {Relation::equal, false, {2, 2.0625}},
-      {Relation::notEqual, false, {-2, 1, 1.5, 2.125, 3}},
-      {Relation::less, true, {1, 1.5}},
-      {Relation::equal, true, {2, 2, 2.0625}},
-  };
-  for (const Case& c : cases) {
-    const Selection selection{c.absolute, true, c.relation, 2, 0.0625};
-    EXPECT_EQ(selectValues(elements, selection), c.selected) << static_cast<int>(c.relation);
-  }
-}
-
-TEST(Selection, PlacesAreThoseOfAllElements) {
-  const Values elements{1, -9, 9, 4, 9, 2};
-  const Selection all, magnitudes{true, false, Relation::less, 0, 0},
-      small{false, true, Relation::less, 5, 0};
-  EXPECT_EQ(firstPlaceOf(9, elements, all), 3u);
-  EXPECT_EQ(firstPlaceOf(9, elements, magnitudes), 2u);
-  EXPECT_EQ(firstPlaceOf(4, elements, small), 4u);
-  EXPECT_EQ(firstPlaceOf(9, elements, small), 0u);
-  EXPECT_EQ(lastPlace(elements, all), 6u);
-  EXPECT_EQ(lastPlace(Values{1, 7, 8}, small), 1u);
-  EXPECT_EQ(lastPlace(Values{7, 8}, small), 0u);
 }
 
 }  // namespace

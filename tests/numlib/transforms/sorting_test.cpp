@@ -50,43 +50,37 @@ std::size_t negativeZeros(const Values& values) {
       std::ranges::count_if(values, [](double x) { return x == 0 && std::signbit(x); }));
 }
 
-// Ascending and the same values as before, both by the order of the standard library's sort.
-TEST(Sorting, EveryPatternAndLengthComesOutAscending) {
+// Each key at its place of before, and each place once.
+void expectCompanionsOf(const Values& before, const Values& keys, Values places) {
+  for (std::size_t i = 0; i < keys.size(); ++i)
+    ASSERT_EQ(keys[i], before[static_cast<std::size_t>(places[i])]);
+  std::sort(places.begin(), places.end());
+  for (std::size_t i = 0; i < places.size(); ++i) ASSERT_EQ(places[i], i);
+}
+
+using Sort = Outcome(std::span<double>, std::span<double>, const InterruptTest&);
+
+// Ascending and the same values as before, both by the order of the standard library's sort; a
+// companion that numbers the places tells where each key came from.
+TEST(Sorting, EveryPatternAndLengthComesOutAscendingWithItsCompanions) {
   constexpr unsigned seed = 4711;
   SCOPED_TRACE("seed " + std::to_string(seed));
   Random random(seed);
   for (const Pattern& pattern : patterns) {
     for (const int n : {0, 1, 2, 3, 15, 16, 17, 24, 25, 100, 255, 256, 257, 5000}) {
-      Values values = makeValues(pattern, n, random);
-      Values expected = values;
-      const std::size_t negatives = negativeZeros(values);
+      const Values before = makeValues(pattern, n, random);
+      Values expected = before, keys = before;
       std::sort(expected.begin(), expected.end());
-      sortAscending(values);
-      ASSERT_EQ(values, expected) << pattern.name << ", " << n;
-      ASSERT_EQ(negativeZeros(values), negatives) << pattern.name << ", " << n;
-    }
-  }
-}
-
-// A companion that numbers the places tells where each key came from: it must be a permutation.
-TEST(Sorting, CompanionsStayWithTheirKeys) {
-  constexpr unsigned seed = 1234;
-  SCOPED_TRACE("seed " + std::to_string(seed));
-  Random random(seed);
-  using Sort = Outcome(std::span<double>, std::span<double>, const InterruptTest&);
-  for (Sort* const sort : {static_cast<Sort*>(sortAscending), &heapSortAscending}) {
-    for (const Pattern& pattern : patterns) {
-      for (const int n : {0, 1, 2, 24, 25, 300, 3000}) {
-        const Values before = makeValues(pattern, n, random);
+      sortAscending(keys);
+      ASSERT_EQ(keys, expected) << pattern.name << ", " << n;
+      ASSERT_EQ(negativeZeros(keys), negativeZeros(before)) << pattern.name << ", " << n;
+      for (Sort* const sort : {static_cast<Sort*>(sortAscending), &heapSortAscending}) {
+        keys = before;
         Values places(before.size());
         std::iota(places.begin(), places.end(), 0.0);
-        Values keys = before;
-        EXPECT_EQ(sort(keys, places, {}), Outcome::done);
-        ASSERT_TRUE(std::is_sorted(keys.begin(), keys.end())) << pattern.name << ", " << n;
-        for (std::size_t i = 0; i < keys.size(); ++i)
-          ASSERT_EQ(keys[i], before[static_cast<std::size_t>(places[i])]) << pattern.name;
-        std::sort(places.begin(), places.end());
-        for (int i = 0; i < n; ++i) ASSERT_EQ(places[static_cast<std::size_t>(i)], i);
+        ASSERT_EQ(sort(keys, places, {}), Outcome::done);
+        ASSERT_EQ(keys, expected) << pattern.name << ", " << n;
+        expectCompanionsOf(before, keys, places);
       }
     }
   }
@@ -111,10 +105,7 @@ TEST(Sorting, InterruptedKeysAreAPermutationWithTheirCompanions) {
       } catch (int) {
       }
       EXPECT_EQ(questions, last);
-      for (std::size_t i = 0; i < keys.size(); ++i)
-        ASSERT_EQ(keys[i], before[static_cast<std::size_t>(places[i])]);
-      std::sort(places.begin(), places.end());
-      for (std::size_t i = 0; i < places.size(); ++i) ASSERT_EQ(places[i], i);
+      expectCompanionsOf(before, keys, places);
     }
   }
 }
