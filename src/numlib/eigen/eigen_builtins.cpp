@@ -1,6 +1,7 @@
 #include "numlib/eigen/eigen_builtins.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -73,15 +74,18 @@ bool readEigenTail(const MatrixArgument& a, EigenTail& tail) {
 double storeEigen(const MatrixArgument& a, const EigenTail& tail) {
   const SlowIteration slow{[] { messageBox("Too many iterations in eigen"); }};
   std::vector<double> values(static_cast<std::size_t>(a->rows()));
-  const Outcome outcome = tail.b.get()
-                              ? eigenDefinitePair(a->view(), tail.b->view(), values, askUser, slow)
-                              : eigenSymmetric(a->view(), values, askUser, slow);
+  const std::uint8_t tag = a->tag();
+  a->setTag(0);
+  const Outcome outcome = runAlgorithm([&] {
+    return tail.b.get() ? eigenDefinitePair(a->view(), tail.b->view(), values, askUser, slow)
+                        : eigenSymmetric(a->view(), values, askUser, slow);
+  });
   if (outcome == Outcome::singular) {
+    a->setTag(tag);  // A has not been touched
     messageBox("eigen> matrices not positive definite");
     return 1.0;
   }
-  a->setTag(0);
-  storeRow(tail.values, values);
+  if (outcome == Outcome::done) storeRow(tail.values, values);
   return noResult();
 }
 
@@ -125,9 +129,10 @@ double svdBuiltin() {
   const SlowIteration slow{
       [] { formatAndShowError(ErrorKey::notConvergent, interpreter().faultContext); }};
   std::vector<double> w(static_cast<std::size_t>(n));
-  // The interrupt test throws, so the outcome is always `done`.
-  (void)decomposeSingular(a->view(), w, v.view(), askUser, slow);
   a->setTag(0);
+  const Outcome outcome =
+      runAlgorithm([&] { return decomposeSingular(a->view(), w, v.view(), askUser, slow); });
+  if (outcome != Outcome::done) return 0.0;
   const double condition = cutSmallValues(w, presetValue("tol#"), presetValue("i#"));
   storeRow(wName, w);
   return condition;
