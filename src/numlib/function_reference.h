@@ -4,6 +4,7 @@
 
 #include <concepts>
 #include <memory>
+#include <span>
 #include <type_traits>
 #include <utility>
 
@@ -33,7 +34,8 @@ class FunctionReference<Result(Arguments...)> {
   Result (*m_call)(void*, Arguments...);
 };
 
-// A function of one variable.
+// A function of one variable, and of several.
 using RealFunction = FunctionReference<double(double)>;
+using FieldFunction = FunctionReference<double(std::span<const double>)>;
 
 }  // namespace vexa

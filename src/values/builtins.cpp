@@ -15,6 +15,7 @@
 #include "numlib/eigen/eigen_builtins.h"
 #include "numlib/finance/finance_builtins.h"
 #include "numlib/fitting/fitting_builtins.h"
+#include "numlib/fitting/nfit_builtins.h"
 #include "numlib/interpolation/interpolation_builtins.h"
 #include "numlib/interpolation/polynomial_builtins.h"
 #include "numlib/linear/linear_builtins.h"
@@ -139,6 +140,11 @@ constexpr Group groups[] = {
     {imtegBuiltin, "imteg"},
     {derivBuiltin, "deriv"},
     {seriesBuiltin, "series"},
+    {gradBuiltin, "grad"},
+    {fieldBuiltin, "curl div jacob"},
+    {minzsBuiltin, "minzs"},
+    {odesintBuiltin, "odesint"},
+    {nfitBuiltin, "nfit"},
     {eigenBuiltin, "eigen"},
     {svdBuiltin, "svd"},
     {svsolveBuiltin, "svsolve"},
@@ -167,11 +173,6 @@ constexpr std::string_view laterMembers = "plot plotanimate";
 constexpr std::string_view laterGroups[] = {
     // Numerical library.
     "gausspt",
-    "nfit",
-    "minzs",
-    "grad",
-    "curl div jacob",
-    "odesint",
     // Plotting.
     "project",
     "poly2bezier",

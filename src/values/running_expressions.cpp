@@ -11,9 +11,12 @@
 
 namespace vexa {
 
-TextReturn::TextReturn() : m_cursor(interpreter().scanner.progCursor) {}
+TextReturn::TextReturn() : m_token(interpreter().scanner.tokenStart) {}
 
-void TextReturn::go() const { interpreter().scanner.progCursor = m_cursor; }
+void TextReturn::go() const {
+  interpreter().scanner.progCursor = m_token;
+  getToken();
+}
 
 RunningVariable RunningVariable::read() {
   getToken();
@@ -70,7 +73,7 @@ std::vector<ExpressionText> readExpressions() {
 TrialRow TrialRow::read() {
   MatrixArgument argument = readMatrix();
   if (argument.temporary()) raiseError(ErrorKey::matrixNameExpected);
-  return TrialRow(std::move(argument));
+  return TrialRow(std::move(argument), interpreter().scanner.tokenText);
 }
 
 TrialRow::~TrialRow() {
@@ -151,9 +154,12 @@ double RowFunctions::call(double t) {
   }
   interpreter().scanner.progCursor = m_callSite;
   const double value = callUserFunction(*m_function, std::span(arguments).first(count));
-  m_row->check();
-  if (m_filled && (m_filled->rows() != 1 || m_filled->cols() != m_row->size()))
+  const bool filledAsMade =
+      !m_filled || (m_filled->rows() == 1 && m_filled->cols() == m_row->size());
+  if (!filledAsMade || !m_row->intact()) {
+    getToken();  // what stands behind the name, for the message
     raiseError(ErrorKey::ordersIncompatible);
+  }
   return value;
 }
 

@@ -27,8 +27,8 @@
 
 namespace vexa {
 
-// Sets the cursor back to where it stood when work that evaluates text began. After a fault it
-// stays where the fault is, for the line of the message.
+// Makes the token current again that was when work that evaluates text began. After a fault the
+// cursor stays where the fault is, for the line of the message.
 class TextReturn {
  public:
   TextReturn();
@@ -36,7 +36,7 @@ class TextReturn {
   void go() const;
 
  private:
-  const char* m_cursor;
+  const char* m_token;
 };
 
 // A name that a built-in binds as a dummy while it evaluates expressions, free again on every path
@@ -114,18 +114,22 @@ class TrialRow {
   // The elements that it had at begin().
   std::span<const double> start() const { return m_old; }
   Matrix* matrix() const { return m_argument.get(); }
+  const std::string& name() const { return m_name; }
 
-  // Key 64 when user text has given the row another order.
-  void write(std::span<const double> values);
+  // Whether user text has left the row its order.
+  bool intact() const;
+  // Key 64 when it has not.
   void check() const;
+  void write(std::span<const double> values);
   // Stores the result.
   void keep(std::span<const double> values);
 
  private:
-  explicit TrialRow(MatrixArgument argument) : m_argument(std::move(argument)) {}
-  bool intact() const;
+  TrialRow(MatrixArgument argument, std::string_view name)
+      : m_argument(std::move(argument)), m_name(name) {}
 
   MatrixArgument m_argument;
+  std::string m_name;
   std::vector<double> m_old;
 };
 

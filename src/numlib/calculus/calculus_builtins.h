@@ -10,4 +10,9 @@ double derivBuiltin();        // deriv
 double seriesBuiltin();       // series
 double simplxBuiltin();       // simplx
 
+double gradBuiltin();     // grad
+double fieldBuiltin();    // div, curl, jacob
+double minzsBuiltin();    // minzs
+double odesintBuiltin();  // odesint
+
 }  // namespace vexa

@@ -141,4 +141,15 @@ std::optional<double> differentiate(RealFunction f, double x, int order) {
   return table.best();
 }
 
+std::optional<double> differentiate(FieldFunction f, std::span<double> at, std::size_t j) {
+  const double x = at[j];
+  const auto along = [&](double moved) {
+    at[j] = moved;
+    return f(at);
+  };
+  const auto derivative = differentiate(along, x);
+  at[j] = x;
+  return derivative;
+}
+
 }  // namespace vexa

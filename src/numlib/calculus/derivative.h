@@ -1,7 +1,9 @@
 // Derivatives of a function of one variable by extrapolated differences.
 #pragma once
 
+#include <cstddef>
 #include <optional>
+#include <span>
 
 #include "numlib/function_reference.h"
 
@@ -18,5 +20,9 @@ double firstStep(double x);
 // a value that is not finite starts the table anew. The entry with the least error estimate counts.
 // Nothing when even that is too uncertain.
 std::optional<double> differentiate(RealFunction f, double x, int order = 1);
+
+// The first derivative of a function of several variables in the j-th, counted from 0, at a point,
+// which is as it was afterwards.
+std::optional<double> differentiate(FieldFunction f, std::span<double> at, std::size_t j);
 
 }  // namespace vexa

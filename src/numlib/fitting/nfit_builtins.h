@@ -1,0 +1,7 @@
+#pragma once
+
+namespace vexa {
+
+double nfitBuiltin();  // nfit
+
+}  // namespace vexa
