@@ -33,6 +33,7 @@ namespace plain {
 #endif
 
 namespace avx2 {
+// NOLINTNEXTLINE(readability-duplicate-include): one body, several widths
 #include "numlib/special/elementary_loops.inc"
 }  // namespace avx2
 
@@ -50,6 +51,7 @@ namespace avx2 {
 #endif
 
 namespace avx512 {
+// NOLINTNEXTLINE(readability-duplicate-include): one body, several widths
 #include "numlib/special/elementary_loops.inc"
 }  // namespace avx512
 
