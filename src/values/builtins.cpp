@@ -12,6 +12,7 @@
 #include "interp/interpreter_state.h"
 #include "interp/message_box.h"
 #include "numlib/calculus/calculus_builtins.h"
+#include "numlib/calculus/gauss_points_builtins.h"
 #include "numlib/eigen/eigen_builtins.h"
 #include "numlib/finance/finance_builtins.h"
 #include "numlib/fitting/fitting_builtins.h"
@@ -151,6 +152,7 @@ constexpr Group groups[] = {
     {rootsBuiltin, "roots"},
     {polyBuiltin, "poly"},
     {polycoeBuiltin, "polycoe"},
+    {gaussptBuiltin, "gausspt"},
     {interpolationBuiltin, "hermint hermit lint polint ratint"},
     {splineBuiltin, "spline splint"},
     {lookupBuiltin, "lookup"},
@@ -171,8 +173,6 @@ constexpr std::string_view laterMembers = "plot plotanimate";
 
 // Groups whose handler is still to come.
 constexpr std::string_view laterGroups[] = {
-    // Numerical library.
-    "gausspt",
     // Plotting.
     "project",
     "poly2bezier",

@@ -5,6 +5,7 @@
 #include <limits>
 #include <numbers>
 
+#include "numlib/calculus/gauss_points.h"
 #include "numlib/special/bessel.h"
 #include "numlib/special/beta_functions.h"
 #include "numlib/special/complex_arithmetic.h"
@@ -40,6 +41,14 @@ auto onePart(Complex (*function)(Complex)) {
 
 auto ofTwo(double (*function)(double, double)) {
   return [function](Arguments v) { return function(v[0], v[1]); };
+}
+
+// Rows of Gauss points: family, parameters, number of points, which one.
+auto gaussPoint(std::vector<double> GaussPoints::*column) {
+  return [column](Arguments v) {
+    const GaussWeight weight{static_cast<GaussFamily>(v[0]), v[1], v[2]};
+    return (gaussPoints(static_cast<int>(v[3]), weight).*column)[static_cast<std::size_t>(v[4])];
+  };
 }
 
 std::vector<AccuracyEntry> makeTable() {
@@ -100,6 +109,9 @@ std::vector<AccuracyEntry> makeTable() {
   complex("csin", "special/csin.csv", complexSin);
   complex("csqrt", "special/csqrt.csv", complexSqrt);
   complex("ctan", "special/ctan.csv", complexTan);
+
+  inPlaces("gausspt, nodes", "special/gauss_nodes.csv", 2, gaussPoint(&GaussPoints::nodes));
+  inPlaces("gausspt, weights", "special/gauss_weights.csv", 4, gaussPoint(&GaussPoints::weights));
   return table;
 }
 
