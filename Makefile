@@ -19,7 +19,7 @@ VEXA := build/release/bin/vexa
 
 .DEFAULT_GOAL := help
 .PHONY: help packages packages-dev build run pictures test debug sanitize fuzz bench \
-        format lint install clean
+        accuracy format lint install clean
 
 help: ## list these commands
 	@sed -n 's/^\([a-z-]*\):.*## /\1 /p' $(MAKEFILE_LIST) | \
@@ -69,6 +69,11 @@ bench: packages-dev ## time the interpreter and the numerics
 	@cmake --preset release >/dev/null
 	@cmake --build --preset release --parallel $(JOBS) --target benchmarks
 	@bench/run_benchmarks.sh build/release/bin "$(VEXA_COMPARE)" $(BENCH_ARGS)
+
+accuracy: packages ## print the worst error of each function that has reference values
+	@cmake --preset release >/dev/null
+	@cmake --build --preset release --parallel $(JOBS) --target vexa_accuracy
+	@build/release/bin/vexa_accuracy
 
 format: packages-dev ## lay out all sources
 	@.ci/list_sources.sh | xargs -r clang-format -i
