@@ -99,6 +99,14 @@ TEST_F(BandTest, LongWorkStopsWhenAsked) {
     long zeroPivots = 0;
     return bandFactor(factors.view(), zeroPivots, stop) == Outcome::interrupted;
   });
+  const TestMatrix large(3000, 400, 1.0);
+  std::vector<double> v(3000, 1.0), product(3000);
+  expectStops({0}, [&](const InterruptTest& stop) {
+    return bandMultiply(large.view(), v, product, stop) == Outcome::interrupted;
+  });
+  expectStops({0, 1}, [&](const InterruptTest& stop) {
+    return bandSolve(large.view(), v, stop) == Outcome::interrupted;
+  });
 }
 
 }  // namespace

@@ -239,6 +239,14 @@ TEST_F(LuTest, LongWorkStopsWhenAsked) {
   expectStops({0, 5}, [&](const InterruptTest& stop) {
     return Jordan(large, {}, stop).outcome == Outcome::interrupted;
   });
+  // Both triangles of a solution with given factors, a million elements each.
+  const TestMatrix huge(1500, 1500, 1.0);
+  std::vector<double> b(1500, 1.0), rows(PivotList::elementsFor(1500));
+  PivotList pivots(rows);
+  for (int j = 0; j < 1500; ++j) pivots.set(j, j);
+  expectStops({0, 1}, [&](const InterruptTest& stop) {
+    return luSolve(huge.view(), pivots, b, stop) == Outcome::interrupted;
+  });
 }
 
 }  // namespace

@@ -238,6 +238,17 @@ TEST_F(SymmetricTest, LongWorkStopsWhenAsked) {
     return eliminateUpward(f.view(), b, 1, startTolerance, Reduce::matrixAndVector, stop) ==
            Outcome::interrupted;
   });
+  const TestMatrix huge(1500, 1500, 1.0);
+  std::vector<double> v(1500, 1.0);
+  expectStops({0, 1}, [&](const InterruptTest& stop) {
+    return ldltSolve(huge.view(), v, stop) == Outcome::interrupted;
+  });
+  expectStops({0, 1}, [&](const InterruptTest& stop) {
+    return choleskySolve(huge.view(), v, stop) == Outcome::interrupted;
+  });
+  expectStops({0}, [&](const InterruptTest& stop) {
+    return substituteDownward(huge.view(), v, 1, stop) == Outcome::interrupted;
+  });
 }
 
 }  // namespace

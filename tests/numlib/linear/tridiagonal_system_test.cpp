@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
 #include <vector>
 
@@ -44,6 +45,21 @@ TEST_F(TridiagonalTest, TinyPivotsEndTheElimination) {
     std::vector<double> r = {0, 0}, gamma(2);
     EXPECT_EQ(tridiagonalSolve(zeros, d, zeros, r, gamma), c.outcome) << c.first << " " << c.second;
   }
+}
+
+TEST_F(TridiagonalTest, LongWorkStopsWhenAskedAndIsSolvedAcrossItsStretches) {
+  // d = 3 between ones: a right side of fives, fours at the ends, is solved by ones.
+  const std::size_t n = elementsBetweenQuestions + 10;
+  const std::vector<double> ones(n, 1.0), d(n, 3.0);
+  std::vector<double> r(n), gamma(n);
+  expectStops({0, 1}, [&](const InterruptTest& stop) {
+    return tridiagonalSolve(ones, d, ones, r, gamma, stop) == Outcome::interrupted;
+  });
+  std::ranges::fill(r, 5.0);
+  r.front() = r.back() = 4.0;
+  EXPECT_EQ(tridiagonalSolve(ones, d, ones, r, gamma), Outcome::done);
+  EXPECT_LT(largest(r), 1 + 8 * epsilon);
+  EXPECT_GT(*std::ranges::min_element(r), 1 - 8 * epsilon);
 }
 
 }  // namespace
