@@ -57,10 +57,10 @@ struct RuntimeClass {
 
 class CFigure {
  public:
-  virtual ~CFigure() = default;
   CFigure& operator=(const CFigure&) = delete;
 
   virtual const RuntimeClass& GetRuntimeClass() const = 0;
+  virtual ~CFigure() = default;
   // Writes or reads the fields, as the archive is open for writing or reading.
   virtual void Serialize(DrawingArchive& archive);
   virtual void AssertValid() const {}
