@@ -58,7 +58,7 @@ std::vector<std::size_t> usedPoints(const FitData& data) {
   return points;
 }
 
-// Chebyshev polynomials of t = (x - middle)/half, which goes from -1 to 1.
+// Chebyshev polynomials of t = slope (x - middle), which goes from -1 to 1.
 class ChebyshevBasis final : public Basis {
  public:
   ChebyshevBasis(std::span<const double> x, std::span<const std::size_t> points, int degree)
@@ -69,12 +69,12 @@ class ChebyshevBasis final : public Basis {
       high = std::max<Real>(high, x[i]);
     }
     m_middle = (low + high) / 2;
-    m_half = high > low ? (high - low) / 2 : 1;
+    if (high > low) m_slope = 2 / (high - low);
     expand();
   }
 
   void row(std::size_t point, std::span<Real> values) const override {
-    const Real t = (m_x[point] - m_middle) / m_half;
+    const Real t = (m_x[point] - m_middle) * m_slope;
     values[0] = 1;
     if (values.size() > 1) values[1] = t;
     for (std::size_t j = 2; j < values.size(); ++j)
@@ -86,7 +86,7 @@ class ChebyshevBasis final : public Basis {
   void expand() {
     Square& t = transform();
     const std::size_t k = t.order();
-    const Real slope = 1 / m_half, shift = -m_middle / m_half;
+    const Real slope = m_slope, shift = -m_middle * m_slope;
     t(0, 0) = 1;
     if (k > 1) {
       t(0, 1) = shift;
@@ -98,7 +98,7 @@ class ChebyshevBasis final : public Basis {
   }
 
   std::span<const double> m_x;
-  Real m_middle = 0, m_half = 1;
+  Real m_middle = 0, m_slope = 1;
 };
 
 // Columns of given numbers, each scaled to a largest element of 1. With a constant, given or put in
@@ -209,30 +209,32 @@ class WeightedSystem {
     }
   }
 
+  // The matrix, and the right side on the way.
   Eigen::MatrixXd matrix() {
     Eigen::MatrixXd a(size(), count());
-    eachRow([&](Eigen::Index i, std::span<const Real> row, Real) {
+    m_right.resize(static_cast<Eigen::Index>(size()));
+    eachRow([&](Eigen::Index i, std::span<const Real> row, Real y) {
       for (std::size_t j = 0; j < row.size(); ++j)
         a(i, static_cast<Eigen::Index>(j)) = static_cast<double>(row[j]);
+      m_right[i] = static_cast<double>(y);
     });
     return a;
   }
 
-  // Coefficients of the basis; the first pass solves, the others refine.
+  // Coefficients of the basis: solved once, refined twice.
   Reals solve(const Factors& factors) {
-    constexpr int passes = 3;
-    Reals x(count()), residual(size());
-    for (int pass = 0; pass < passes && !m_stopped; ++pass) correct(factors, x, residual);
+    constexpr int refinements = 2;
+    Reals x(count());
+    m_residual.assign(size(), 0);
+    correct(factors, m_right, Column::Zero(static_cast<Eigen::Index>(count())), x);
+    for (int pass = 0; pass < refinements && !m_stopped; ++pass) refine(factors, x);
     return x;
   }
 
-  // Sum of the squares of the weighted residuals.
-  Real squares(const Reals& x) {
+  // Sum of the squares of the weighted residuals that solve() left.
+  Real squares() const {
     Real sum = 0;
-    eachRow([&](Eigen::Index, std::span<const Real> row, Real y) {
-      const Real r = remainder(row, y, x);
-      sum += r * r;
-    });
+    for (const Real r : m_residual) sum += r * r;
     return sum;
   }
 
@@ -242,20 +244,25 @@ class WeightedSystem {
     return y;
   }
 
-  // One correction of r + A x = b, A^T r = 0, from what the two equations lack now.
-  void correct(const Factors& factors, Reals& x, Reals& residual) {
-    const auto k = static_cast<Eigen::Index>(count());
+  // One refinement: what the equations r + A x = b and A^T r = 0 lack now, in long double, is what
+  // the correction is solved for.
+  void refine(const Factors& factors, Reals& x) {
     Column f(size());
     Reals lack(count());
     eachRow([&](Eigen::Index i, std::span<const Real> row, Real y) {
-      const Real r = residual[static_cast<std::size_t>(i)];
+      const Real r = m_residual[static_cast<std::size_t>(i)];
       f[i] = static_cast<double>(remainder(row, y, x) - r);
       for (std::size_t j = 0; j < row.size(); ++j) lack[j] -= row[j] * r;
     });
-    Column g(k);
-    for (Eigen::Index j = 0; j < k; ++j)
-      g[j] = static_cast<double>(lack[static_cast<std::size_t>(j)]);
+    Column g(count());
+    for (std::size_t j = 0; j < count(); ++j)
+      g[static_cast<Eigen::Index>(j)] = static_cast<double>(lack[j]);
+    correct(factors, std::move(f), g, x);
+  }
 
+  // Adds the solution of r + A x = f, A^T r = g to coefficients and residuals.
+  void correct(const Factors& factors, Column f, const Column& g, Reals& x) {
+    const auto k = static_cast<Eigen::Index>(count());
     const auto r = factors.matrixQR().topLeftCorner(k, k).triangularView<Eigen::Upper>();
     const Column z = r.transpose().solve(Column(factors.colsPermutation().transpose() * g));
     f.applyOnTheLeft(factors.householderQ().adjoint());
@@ -263,7 +270,7 @@ class WeightedSystem {
     f.head(k) = z;
     f.applyOnTheLeft(factors.householderQ());
     for (std::size_t j = 0; j < count(); ++j) x[j] += step[static_cast<Eigen::Index>(j)];
-    for (std::size_t i = 0; i < size(); ++i) residual[i] += f[static_cast<Eigen::Index>(i)];
+    for (std::size_t i = 0; i < size(); ++i) m_residual[i] += f[static_cast<Eigen::Index>(i)];
   }
 
   const Basis& m_basis;
@@ -271,6 +278,8 @@ class WeightedSystem {
   std::vector<std::size_t> m_points;
   const InterruptTest& m_interrupted;
   Reals m_row;
+  Column m_right;
+  Reals m_residual;
   bool m_stopped = false;
 };
 
@@ -328,7 +337,7 @@ LinearFit fitBasis(const Basis& basis, const FitData& data, std::vector<std::siz
 
   const Reals x = system.solve(factors);
   const std::size_t freedom = system.size() - system.count();
-  const Real variance = freedom > 0 ? system.squares(x) / static_cast<Real>(freedom) : 0;
+  const Real variance = freedom > 0 ? system.squares() / static_cast<Real>(freedom) : 0;
   if (system.stopped()) return ended(FitOutcome::interrupted);
   fit.coefficients = wantedCoefficients(basis.transform(), x);
   fit.deviation = static_cast<double>(std::sqrt(variance));
