@@ -61,10 +61,11 @@ def shown(x):
 
 def main():
     random.seed(41)
-    rows = []
+    files = {}
 
     def add(name, arguments, value):
-        rows.append(",".join([name] + [shown(a) for a in arguments] + [nstr(value, 32)]))
+        row = ",".join([shown(a) for a in arguments] + [nstr(value, 32)])
+        files.setdefault(name, []).append(row)
 
     rates = [1e-13, 1e-12, 1e-9, 1e-5, 0.004, 0.1, 0.9, 4.5, -1e-12, -0.002, -0.4, 0.0]
     for r in rates:
@@ -92,8 +93,9 @@ def main():
                 payment = float(pmt(r, n, 9000, 0, due))
                 exact = findroot(lambda x: fv(x, n, payment, 9000, due), mpf(r))
                 add("intrate", (n, payment, 9000, 0, due, 0.1), exact)
-    pathlib.Path(__file__).with_name("annuities.csv").write_text(
-        "\n".join(["function,arguments,value"] + rows) + "\n", encoding="ascii")
+    for name, rows in files.items():
+        path = pathlib.Path(__file__).with_name(f"{name}.csv")
+        path.write_text("\n".join(["arguments...,value"] + rows) + "\n", encoding="ascii")
 
 
 if __name__ == "__main__":
