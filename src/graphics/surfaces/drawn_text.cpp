@@ -145,7 +145,7 @@ std::u16string toUtf16(std::u32string_view text) {
 
 FontFamily familyOf(const FontDescription& font) {
   const std::string face = lowered(font.face());
-  const auto contains = [&](std::string_view part) { return face.find(part) != face.npos; };
+  const auto contains = [&](std::string_view part) { return face.find(part) != std::string::npos; };
   if (contains("courier") || contains("mono") || contains("consol")) return FontFamily::courier;
   for (const std::string_view part : {"arial", "helvetica", "sans", "verdana", "calibri"})
     if (contains(part)) return FontFamily::arial;

@@ -172,7 +172,8 @@ std::string fontAttributes(const FontDescription& font) {
 }
 
 bool blanksMatter(std::u32string_view text) {
-  return text.front() == U' ' || text.back() == U' ' || text.find(U"  ") != text.npos;
+  return text.front() == U' ' || text.back() == U' ' ||
+         text.find(U"  ") != std::u32string_view::npos;
 }
 
 }  // namespace

@@ -29,7 +29,8 @@ std::int32_t scaledStep(std::int32_t logical, float scale, std::int32_t whole) {
 // stand in the middle.
 std::int32_t centredPosition(double point, std::int32_t client, std::int32_t range) {
   const double highest = std::max(0.0, static_cast<double>(range) - client);
-  return saturated(std::clamp(std::round(point) - client / 2, 0.0, highest));
+  const std::int32_t middle = client / 2;
+  return saturated(std::clamp(std::round(point) - middle, 0.0, highest));
 }
 
 // Halves of the box are those of whole numbers, formed where their sum cannot overflow.
