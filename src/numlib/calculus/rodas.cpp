@@ -45,6 +45,8 @@ class Rodas final : public Stepper {
       : m_f(f),
         m_settings(settings),
         m_jacobian(static_cast<Eigen::Index>(size), static_cast<Eigen::Index>(size)),
+        m_system(m_jacobian.rows(), m_jacobian.cols()),
+        m_factors(m_jacobian.rows()),
         m_slope(size),
         m_moved(size),
         m_timeDerivative(size),
@@ -54,10 +56,10 @@ class Rodas final : public Stepper {
 
   bool tryStep(std::vector<double>& y, double t, double& h) override {
     differentiate(y, t, h);
-    Eigen::MatrixXd system = -m_jacobian;
-    system.diagonal().array() += 1 / (h * gamma);
-    const Eigen::PartialPivLU<Eigen::MatrixXd> factors(system);
-    for (int i = 0; i < stages; ++i) computeStage(i, y, t, h, factors);
+    m_system = -m_jacobian;
+    m_system.diagonal().array() += 1 / (h * gamma);
+    m_factors.compute(m_system);
+    for (int i = 0; i < stages; ++i) computeStage(i, y, t, h);
     const double error = errorOf(y);
     if (!std::isfinite(error)) {
       h *= leastChange;
@@ -106,8 +108,7 @@ class Rodas final : public Stepper {
       sum[k] += weight * stage[static_cast<Eigen::Index>(k)];
   }
 
-  void computeStage(int i, const std::vector<double>& y, double t, double h,
-                    const Eigen::PartialPivLU<Eigen::MatrixXd>& factors) {
+  void computeStage(int i, const std::vector<double>& y, double t, double h) {
     m_argument = y;
     for (int j = 0; j < i; ++j) addStage(j, m_argument, place[i][j]);
     if (i > 0)
@@ -118,7 +119,7 @@ class Rodas final : public Stepper {
     for (std::size_t k = 0; k < y.size(); ++k) m_moved[k] += timeSlope[i] * h * m_timeDerivative[k];
     const Eigen::Map<const Eigen::VectorXd> right(m_moved.data(),
                                                   static_cast<Eigen::Index>(m_moved.size()));
-    m_stages[static_cast<std::size_t>(i)] = factors.solve(right);
+    m_stages[static_cast<std::size_t>(i)].noalias() = m_factors.solve(right);
   }
 
   // The last stage is the difference of the two methods. Its largest element, in units of the error
@@ -139,7 +140,8 @@ class Rodas final : public Stepper {
 
   DerivativeFunction m_f;
   InitialValueSettings m_settings;
-  Eigen::MatrixXd m_jacobian;
+  Eigen::MatrixXd m_jacobian, m_system;
+  Eigen::PartialPivLU<Eigen::MatrixXd> m_factors;
   std::array<Eigen::VectorXd, stages> m_stages;
   std::vector<double> m_slope, m_moved, m_timeDerivative, m_argument;
   bool m_derivativesKnown = false;
