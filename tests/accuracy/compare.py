@@ -17,6 +17,35 @@ from fractions import Fraction
 DATA = pathlib.Path(__file__).resolve().parent.parent / "data"
 
 
+def calculus_functions():
+    """Integrals as quad computes them, of the functions that tests/data/calculus names."""
+    from scipy.integrate import quad
+
+    functions = {
+        "sin": math.sin, "exp": math.exp, "sqrt": math.sqrt, "ln": math.log,
+        "runge": lambda x: 1 / (1 + 25 * x * x),
+        "peak": lambda x: 1 / (1e-6 + (x - 0.3) ** 2), "wave": lambda x: math.cos(50 * x),
+        "gauss": lambda x: math.exp(-x * x), "rootInverse": lambda x: 1 / math.sqrt(x),
+        "expSin": lambda x: math.exp(x) * math.sin(x), "power": lambda x: x**-0.9,
+        "planck": lambda x: x**3 / math.expm1(x) if x < 700 else 0.0,
+        "slowTail": lambda x: x**-1.1, "lateBell": lambda x: math.exp(-((x - 20) ** 2)),
+        "decayWave": lambda x: math.exp(-x) * math.cos(10 * x),
+        "cauchy": lambda x: 1 / (1 + x * x), "semicircle": lambda x: math.sqrt(x * (1 - x))}
+
+    def integral(name, a, b):
+        return quad(functions[name], a, b, epsrel=1e-10, epsabs=0, limit=100)[0]
+
+    return {"integ": integral, "imteg": integral}
+
+
+def argument(text):
+    """A number, or the name of a function."""
+    try:
+        return float(text)
+    except ValueError:
+        return text
+
+
 def scipy_functions():
     import numpy as np
     from scipy import special as sp
@@ -59,6 +88,7 @@ def scipy_functions():
              "ccos": part(np.cos), "cexp": part(np.exp), "cln": part(np.log), "csin": part(np.sin),
              "csqrt": part(np.sqrt), "ctan": part(np.tan),
              "gausspt, nodes": gauss(0), "gausspt, weights": gauss(1)}
+    table.update(calculus_functions())
     for name, function in modulus.items():
         table[name] = lambda phi, k, f=function: f(phi, k * k)
     return table
@@ -96,6 +126,8 @@ def octave_values(name, file, columns):
 def unit_of(name, row, value):
     if name.startswith("c") and len(row) == 5 and name != "cabs":
         return 2.0**-53 * float(row[3])
+    if name in ("integ", "imteg"):
+        return 1e-10 * abs(value)
     unit = math.ulp(abs(value))
     if name in ("bessj", "bessy"):
         unit = max(unit, 2.0**-53 * math.sqrt(2 / (math.pi * max(1.0, abs(float(row[1]))))))
@@ -141,7 +173,7 @@ def main():
             rows = list(csv.reader(stream))[1:]
         scipy = octave = None
         if name in peers:
-            results = [peers[name](*map(float, row[:-1])) for row in rows]
+            results = [peers[name](*map(argument, row[:-1])) for row in rows]
             scipy = worst(name, rows, results)
         if name in OCTAVE:
             values = octave_values(name, DATA / file, len(rows[0]) - 1)

@@ -2,10 +2,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <limits>
 #include <numbers>
 
+#include "numlib/calculus/derivative.h"
 #include "numlib/calculus/gauss_points.h"
+#include "numlib/calculus/integral.h"
+#include "numlib/calculus/series.h"
 #include "numlib/finance/annuity.h"
 #include "numlib/special/bessel.h"
 #include "numlib/special/beta_functions.h"
@@ -13,6 +17,7 @@
 #include "numlib/special/elementary.h"
 #include "numlib/special/elliptic_integrals.h"
 #include "numlib/special/gamma.h"
+#include "support/calculus_rows.h"
 
 namespace vexa {
 
@@ -91,6 +96,53 @@ void addAnnuities(std::vector<AccuracyEntry>& table) {
                    }});
 }
 
+// Rows of calculus name a function, whose place among the functions becomes their first argument.
+std::vector<ReferenceRow> namedRows(const std::string& file) {
+  std::vector<ReferenceRow> rows;
+  for (const CalculusRow& named : calculusRows(file)) {
+    const auto& functions = referenceFunctions();
+    const auto place = std::distance(functions.begin(), functions.find(named.name));
+    ReferenceRow row{{static_cast<double>(place)}, named.value};
+    row.arguments.insert(row.arguments.end(), named.arguments.begin(), named.arguments.end());
+    rows.push_back(row);
+  }
+  return rows;
+}
+
+const std::function<double(double)>& namedFunction(Arguments v) {
+  return std::next(referenceFunctions().begin(), static_cast<std::ptrdiff_t>(v[0]))->second;
+}
+
+// The relative error aimed at when a run starts; of sums ten times that.
+double aimed(const ReferenceRow& row) { return 1e-10 * std::fabs(static_cast<double>(row.value)); }
+
+// What a derivative of an order may be off.
+double aimedOfOrder(const ReferenceRow& row) {
+  constexpr double relative[] = {0, 1e-12, 1e-10, 1e-9, 1e-7};
+  return relative[static_cast<int>(row.arguments[2])] * std::fabs(static_cast<double>(row.value));
+}
+
+void addCalculus(std::vector<AccuracyEntry>& table) {
+  table.push_back(
+      {"integ", "calculus/integrals.csv", 1, "1e-10 of it", aimed,
+       [](Arguments v) { return integrate(namedFunction(v), v[1], v[2], 1e-10, 100).value; },
+       namedRows});
+  table.push_back(
+      {"imteg", "calculus/improper.csv", 1, "1e-10 of it", aimed,
+       [](Arguments v) { return integrateImproper(namedFunction(v), v[1], v[2], 1e-10).value; },
+       namedRows});
+  table.push_back({"deriv", "calculus/derivatives.csv", 1, "bound of its order", aimedOfOrder,
+                   [](Arguments v) {
+                     return differentiate(namedFunction(v), v[1], static_cast<int>(v[2]))
+                         .value_or(std::nan(""));
+                   },
+                   namedRows});
+  table.push_back(
+      {"series", "calculus/sums.csv", 10, "1e-10 of it", aimed,
+       [](Arguments v) { return sumInfiniteSeries(namedFunction(v), v[1], 1e-10, 100'000).value; },
+       namedRows});
+}
+
 std::vector<AccuracyEntry> makeTable() {
   std::vector<AccuracyEntry> table;
   const auto add = [&table](std::string_view name, std::string_view file, double allowed,
@@ -153,6 +205,7 @@ std::vector<AccuracyEntry> makeTable() {
   inPlaces("gausspt, nodes", "special/gauss_nodes.csv", 2, gaussPoint(&GaussPoints::nodes));
   inPlaces("gausspt, weights", "special/gauss_weights.csv", 4, gaussPoint(&GaussPoints::weights));
   addAnnuities(table);
+  addCalculus(table);
   return table;
 }
 
@@ -165,7 +218,7 @@ const std::vector<AccuracyEntry>& accuracyTable() {
 
 WorstError worstError(const AccuracyEntry& entry) {
   WorstError worst;
-  const auto rows = referenceRows(std::string(entry.file));
+  const auto rows = entry.rows(std::string(entry.file));
   worst.rows = rows.size();
   for (const ReferenceRow& row : rows) {
     const double result = entry.function(row.arguments);

@@ -20,6 +20,7 @@ struct AccuracyEntry {
   std::string_view unit;
   double (*unitOf)(const ReferenceRow& row);
   std::function<double(std::span<const double>)> function;
+  std::vector<ReferenceRow> (*rows)(const std::string& file) = referenceRows;
 };
 
 const std::vector<AccuracyEntry>& accuracyTable();

@@ -98,6 +98,13 @@ def improper_integrals():
     yield "exp", (-infinity, 0), mp.mpf(1)
     yield "gauss", (-infinity, 1), mp.sqrt(pi) / 2 * (1 + mp.erf(1))
     yield "sin", (1, 2), mp.cos(1) - mp.cos(2)
+    for a in (-5, 0, 100):
+        yield "cauchy", (a, infinity), pi / 2 - mp.atan(a)
+    for a in (0, 3):
+        yield "gauss", (a, infinity), mp.sqrt(pi) / 2 * mp.erfc(a)
+    for b in (2, -10):
+        yield "exp", (-infinity, b), mp.exp(b)
+    yield "slowTail", (5, infinity), mp.mpf(5) ** (1 - exact(1.1)) / (exact(1.1) - 1)
 
 
 def derivatives():
@@ -121,13 +128,17 @@ def derivatives():
 
 def sums():
     yield "inverseSquare", (1,), mp.zeta(2)
-    yield "inverseSquare", (30,), mp.zeta(2, 30)
-    yield "inverseCube", (1,), mp.zeta(3)
-    yield "power1.5", (1,), mp.zeta(mp.mpf(1.5))
+    for first in (2, 5, 10, 30, 100):
+        yield "inverseSquare", (first,), mp.zeta(2, first)
+    for first in (1, 4, 20):
+        yield "inverseCube", (first,), mp.zeta(3, first)
+    for first in (1, 2, 10):
+        yield "power1.5", (first,), mp.zeta(mp.mpf(1.5), first)
     yield "power1.2", (1,), mp.zeta(exact(1.2))
     yield "leibniz", (0,), pi / 4
     yield "alternatingRoot", (1,), -mp.altzeta(mp.mpf(0.5))
-    yield "geometric", (0,), 1 / (1 - exact(0.99))
+    for first in (0, 5, 100):
+        yield "geometric", (first,), exact(0.99) ** first / (1 - exact(0.99))
     yield "evenOnly", (0,), mp.mpf(4) / 3
     yield "exponential", (0,), mp.e
     yield "logarithm", (1,), -mp.log(1 - exact(0.9))

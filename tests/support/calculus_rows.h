@@ -61,8 +61,9 @@ struct CalculusRow {
   double relativeError(double result) const { return std::fabs(result - value) / std::fabs(value); }
 };
 
+// The rows of a file below tests/data.
 inline std::vector<CalculusRow> calculusRows(const std::string& file) {
-  std::ifstream stream(std::string(VEXA_TEST_DATA) + "/calculus/" + file);
+  std::ifstream stream(std::string(VEXA_TEST_DATA) + "/" + file);
   std::vector<CalculusRow> rows;
   std::string line;
   std::getline(stream, line);  // the heading
