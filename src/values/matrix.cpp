@@ -45,7 +45,8 @@ void preferLargePages(void* block, std::uint64_t bytes) {
   const auto start = reinterpret_cast<std::uintptr_t>(block);
   const std::uintptr_t first = (start + largePage - 1) / largePage * largePage;
   const std::uintptr_t last = (start + bytes) / largePage * largePage;
-  if (last > first) madvise(reinterpret_cast<void*>(first), last - first, MADV_HUGEPAGE);
+  if (last > first)
+    madvise(static_cast<char*>(block) + (first - start), last - first, MADV_HUGEPAGE);
 }
 
 }  // namespace
