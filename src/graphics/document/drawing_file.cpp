@@ -246,7 +246,10 @@ std::string writeDrawing(const CMiniDrawDoc& document) {
   auto count = static_cast<std::uint32_t>(document.figureCount());
   archive.count(count);
   FigureWriter writer(archive);
-  for (std::uint32_t i = 0; i < count; ++i) writer.write(const_cast<CFigure&>(*document.figure(i)));
+  for (std::uint32_t i = 0; i < count; ++i) {
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): as said above
+    writer.write(const_cast<CFigure&>(*document.figure(i)));
+  }
   return archive.takeOutput();
 }
 

@@ -6,13 +6,19 @@
 
 namespace vexa {
 
-CFigure* CMiniDrawDoc::figure(std::ptrdiff_t position) {
-  return const_cast<CFigure*>(std::as_const(*this).figure(position));
+namespace {
+
+CFigure* figureAt(const std::vector<std::unique_ptr<CFigure>>& figures, std::ptrdiff_t position) {
+  if (position < 0 || static_cast<std::size_t>(position) >= figures.size()) return nullptr;
+  return figures[static_cast<std::size_t>(position)].get();
 }
 
+}  // namespace
+
+CFigure* CMiniDrawDoc::figure(std::ptrdiff_t position) { return figureAt(m_figures, position); }
+
 const CFigure* CMiniDrawDoc::figure(std::ptrdiff_t position) const {
-  if (position < 0 || static_cast<std::size_t>(position) >= m_figures.size()) return nullptr;
-  return m_figures[static_cast<std::size_t>(position)].get();
+  return figureAt(m_figures, position);
 }
 
 std::size_t CMiniDrawDoc::add(std::unique_ptr<CFigure> figure) {

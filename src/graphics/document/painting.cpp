@@ -37,7 +37,7 @@ void paintDrawing(CMiniDrawDoc& document, DrawingSurface& surface, const PaintOp
     const CFigure& figure = *document.figure(i);
     const RuntimeClass* figureClass = &figure.GetRuntimeClass();
     if (figureClass == &runtimeClass(FigureType::fontItem)) {
-      takeFont(document, static_cast<const CFontItem&>(figure).m_Font, surface, options);
+      takeFont(document, dynamic_cast<const CFontItem&>(figure).m_Font, surface, options);
     } else if (figure.m_Visible != 0) {
       const bool isText = figureClass == &runtimeClass(FigureType::text);
       if (isText || intersects(figure.boundingBox(1), area)) figure.Draw(surface);
