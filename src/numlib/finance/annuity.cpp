@@ -9,12 +9,14 @@ namespace vexa {
 
 namespace {
 
-// (e^(b u) - e^(a u)) / (e^(n u) - 1) for 0 <= a, b, n, without overflow where the quotient has
-// none. Every part of a payment is a multiple of one such quotient.
-long double segment(long double u, long double a, long double b, long double n) {
-  if (u == 0) return (b - a) / n;
-  if (n * u > 0) return std::exp(-(n - b) * u) * std::expm1(-(b - a) * u) / std::expm1(-n * u);
-  return std::exp(a * u) * std::expm1((b - a) * u) / std::expm1(n * u);
+// (e^((a + width) u) - e^(a u)) / (e^(n u) - 1) for 0 <= a and n, without overflow where the
+// quotient has none. Every part of a payment is a multiple of one such quotient. The width is an
+// argument of its own because a + 1 may be a.
+long double segment(long double u, long double a, long double width, long double n) {
+  if (u == 0) return width / n;
+  if (n * u > 0)
+    return std::exp(-((n - a) - width) * u) * std::expm1(-width * u) / std::expm1(-n * u);
+  return std::exp(a * u) * std::expm1(width * u) / std::expm1(n * u);
 }
 
 // (e^x - 1 - x)/x, by its series where the difference would cancel.
@@ -57,14 +59,14 @@ long double summedShortfall(long double u, long double m) {
 long double interestBetween(double r, long double from, long double to, const Annuity& a) {
   const long double u = logOfGrowth(r), m = to - from, n = a.n;
   if (m <= 0 || r == 0) return 0;
-  const long double later = m * segment(u, to, n, n);
+  const long double later = m * segment(u, to, n - to, n);
   const long double share =
       u > 0 ? std::exp(-(n - to) * u) / -std::expm1(-n * u) : std::exp(to * u) / std::expm1(n * u);
   return -static_cast<long double>(r) * a.pv * (later + share * summedShortfall(u, m));
 }
 
 long double principalBetween(double r, long double from, long double to, const Annuity& a) {
-  return to > from ? -a.pv * segment(logOfGrowth(r), from, to, a.n) : 0;
+  return to > from ? -a.pv * segment(logOfGrowth(r), from, to - from, a.n) : 0;
 }
 
 }  // namespace
@@ -85,7 +87,7 @@ double futureValue(double r, const Annuity& a) {
 
 double payment(double r, const Annuity& a) {
   const long double u = logOfGrowth(r), n = a.n;
-  return discounted(r, -(a.pv * segment(u, n, n + 1, n) + a.fv * segment(u, 0, 1, n)), a);
+  return discounted(r, -(a.pv * segment(u, n, 1, n) + a.fv * segment(u, 0, 1, n)), a);
 }
 
 double periods(double r, const Annuity& a) {
@@ -103,13 +105,14 @@ double periods(double r, const Annuity& a) {
 double interestPart(double r, double k, const Annuity& a) {
   if (a.due == Due::beginning && k == 1) return 0;
   const long double u = logOfGrowth(r), before = k - 1, n = a.n;
-  return discounted(r, -r * (a.pv * segment(u, before, n, n) - a.fv * segment(u, 0, before, n)), a);
+  return discounted(
+      r, -r * (a.pv * segment(u, before, n - before, n) - a.fv * segment(u, 0, before, n)), a);
 }
 
 double principalPart(double r, double k, const Annuity& a) {
   if (a.due == Due::beginning && k == 1) return payment(r, a);
   const long double owed = static_cast<long double>(a.pv) + a.fv;
-  return discounted(r, -owed * segment(logOfGrowth(r), k - 1, k, a.n), a);
+  return discounted(r, -owed * segment(logOfGrowth(r), k - 1, 1, a.n), a);
 }
 
 double interestSum(double r, double first, double last, const Annuity& a) {
@@ -122,7 +125,7 @@ double principalSum(double r, double first, double last, const Annuity& a) {
     return discounted(r, principalBetween(r, first - 1, last, a), a);
   // The first payment is principal wholly: 1 period of pv and none of interest.
   const long double u = logOfGrowth(r), n = a.n;
-  const long double whole = -a.pv * segment(u, n, n + 1, n) + principalBetween(r, 1, last, a);
+  const long double whole = -a.pv * segment(u, n, 1, n) + principalBetween(r, 1, last, a);
   return discounted(r, whole, a);
 }
 

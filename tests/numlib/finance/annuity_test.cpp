@@ -14,6 +14,7 @@ TEST(Annuity, HugeGrowthCancelsOut) {
   // 10^7 periods: the powers leave every range, the quotients do not.
   const Annuity loan{.n = 1e7, .pv = 1000};
   EXPECT_EQ(payment(0.5, loan), -500);
+  EXPECT_EQ(payment(0.5, {.n = 1e30, .pv = 1000}), -500) << "one period more is no more";
   EXPECT_EQ(interestPart(0.5, 1, loan), -500);
   EXPECT_EQ(principalPart(0.5, 1, loan), 0);
   EXPECT_NEAR(principalPart(0.5, 1e7, loan), -1000 / 3.0, 1e-12);
