@@ -110,17 +110,39 @@ for function in ("cos", "exp", "log", "sin", "sqrt", "tan"):
     OCTAVE[name] = f"ifelse_part({function}(complex(a1,a2)),a3)"
 
 
-def octave_values(name, file, columns):
-    program = (f"1; function v=ifelse_part(w,p) v=real(w); v(p==1)=imag(w)(p==1); end;"
-               f"m=dlmread('{file}',',',1,0);"
-               + "".join(f"a{k + 1}=m(:,{k + 1});" for k in range(columns))
-               + f"v={OCTAVE[name]}; v=real(v(:)); printf('%.17g\\n',v);")
+# The integrands of tests/data/calculus.
+OCTAVE_INTEGRANDS = {
+    "sin": "sin(x)", "exp": "exp(x)", "sqrt": "sqrt(x)", "ln": "log(x)", "runge": "1./(1+25*x.^2)",
+    "peak": "1./(1e-6+(x-0.3).^2)", "wave": "cos(50*x)", "gauss": "exp(-x.^2)",
+    "rootInverse": "1./sqrt(x)", "expSin": "exp(x).*sin(x)", "power": "x.^-0.9",
+    "planck": "x.^3./expm1(x)", "slowTail": "x.^-1.1", "lateBell": "exp(-(x-20).^2)",
+    "decayWave": "exp(-x).*cos(10*x)", "cauchy": "1./(1+x.^2)", "semicircle": "sqrt(x.*(1-x))"}
+
+
+def octave_lines(program):
+    """The numbers that a program prints, or None."""
     try:
         run = subprocess.run(["octave-cli", "--quiet", "--eval", program], capture_output=True,
                              text=True)
     except FileNotFoundError:
         return None
     return [float(line) for line in run.stdout.split()] if run.returncode == 0 else None
+
+
+def octave_integrals(rows):
+    program = "1; warning('off','all');"
+    for name, a, b, _ in rows:
+        program += (f"try, v=quadgk(@(x) {OCTAVE_INTEGRANDS[name]},{a},{b},'RelTol',1e-10,"
+                    "'AbsTol',0); catch, v=NaN; end; printf('%.17g\\n',v);")
+    return octave_lines(program)
+
+
+def octave_values(name, file, columns):
+    program = (f"1; function v=ifelse_part(w,p) v=real(w); v(p==1)=imag(w)(p==1); end;"
+               f"m=dlmread('{file}',',',1,0);"
+               + "".join(f"a{k + 1}=m(:,{k + 1});" for k in range(columns))
+               + f"v={OCTAVE[name]}; v=real(v(:)); printf('%.17g\\n',v);")
+    return octave_lines(program)
 
 
 def unit_of(name, row, value):
@@ -175,10 +197,13 @@ def main():
         if name in peers:
             results = [peers[name](*map(argument, row[:-1])) for row in rows]
             scipy = worst(name, rows, results)
+        values = None
         if name in OCTAVE:
             values = octave_values(name, DATA / file, len(rows[0]) - 1)
-            if values is not None and len(values) == len(rows):
-                octave = worst(name, rows, values)
+        elif name in ("integ", "imteg"):
+            values = octave_integrals(rows)
+        if values is not None and len(values) == len(rows):
+            octave = worst(name, rows, values)
         unit = unit.replace("|", "\\|")
         print(f"| {name} | {len(rows)} | {unit} | {float(error):.2g} | {shown(scipy, rows)} "
               f"| {shown(octave, rows)} |")
