@@ -14,9 +14,9 @@
 #include "numlib/special/bessel.h"
 #include "numlib/special/beta_functions.h"
 #include "numlib/special/complex_arithmetic.h"
-#include "numlib/special/elementary.h"
 #include "numlib/special/elliptic_integrals.h"
 #include "numlib/special/gamma.h"
+#include "numlib/special/two_number_functions.h"
 #include "support/calculus_rows.h"
 
 namespace vexa {

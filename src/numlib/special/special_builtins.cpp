@@ -8,8 +8,8 @@
 #include "interp/interpreter_state.h"
 #include "numlib/special/bessel.h"
 #include "numlib/special/beta_functions.h"
-#include "numlib/special/elementary.h"
 #include "numlib/special/elliptic_integrals.h"
+#include "numlib/special/two_number_functions.h"
 #include "values/argument_readers.h"
 #include "values/numeric_arguments.h"
 

@@ -1,4 +1,4 @@
-#include "numlib/special/elementary.h"
+#include "numlib/special/two_number_functions.h"
 
 #include <gtest/gtest.h>
 
