@@ -1,5 +1,6 @@
 // vexa_accuracy: prints, for every function with reference values, how many there are, the worst
-// error and where it is met. With the argument "rows" as comma-separated values for a script.
+// error and where it is met. With the argument "rows" as comma-separated values for a script,
+// the last field the units of all rows.
 
 #include <cstdio>
 #include <cstring>
@@ -16,6 +17,7 @@ void printTable() {
     const WorstError worst = worstError(entry);
     std::printf("%-18s %5zu %9.3g %9.3g  %-12s", entry.name.data(), worst.rows, worst.units,
                 entry.allowed, entry.unit.data());
+    if (!worst.row.text.empty()) std::printf(" %s", worst.row.text.c_str());
     for (const double argument : worst.row.arguments) std::printf(" %.17g", argument);
     std::printf("\n");
   }
@@ -24,8 +26,11 @@ void printTable() {
 void printRows() {
   for (const AccuracyEntry& entry : accuracyTable()) {
     const WorstError worst = worstError(entry);
-    std::printf("\"%s\",%s,%.17g,%s\n", entry.name.data(), entry.file.data(), worst.units,
+    std::printf("\"%s\",%s,%.17g,\"%s\",", entry.name.data(), entry.file.data(), worst.units,
                 entry.unit.data());
+    for (const ReferenceRow& row : referenceRows(std::string(entry.file)))
+      std::printf("%.17g ", entry.unitOf(row));
+    std::printf("\n");
   }
 }
 

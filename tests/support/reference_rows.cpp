@@ -3,11 +3,33 @@
 #include <cmath>
 #include <cstdlib>
 #include <fstream>
+#include <iomanip>
 #include <limits>
 #include <sstream>
 #include <stdexcept>
 
 namespace vexa {
+
+namespace {
+
+// Takes the function's text off the line.
+std::string takeText(std::string& line) {
+  std::string text;
+  std::istringstream fields(line);
+  if (line.starts_with('"')) {
+    fields >> std::quoted(text);
+    fields.ignore();
+  } else {
+    std::getline(fields, text, ',');
+    char* end = nullptr;
+    std::strtod(text.c_str(), &end);
+    if (*end == '\0') return {};
+  }
+  line.erase(0, static_cast<std::size_t>(fields.tellg()));
+  return text;
+}
+
+}  // namespace
 
 std::vector<ReferenceRow> referenceRows(const std::string& file) {
   std::ifstream stream(std::string(VEXA_TEST_DATA) + "/" + file);
@@ -15,13 +37,15 @@ std::vector<ReferenceRow> referenceRows(const std::string& file) {
   std::getline(stream, line);  // the heading
   std::vector<ReferenceRow> rows;
   while (std::getline(stream, line)) {
+    ReferenceRow row{takeText(line), {}, 0};
     std::istringstream fields(line);
-    std::vector<std::string> texts;
-    for (std::string text; std::getline(fields, text, ',');) texts.push_back(text);
-    ReferenceRow row{{}, std::strtold(texts.back().c_str(), nullptr)};
-    texts.pop_back();
-    for (const std::string& text : texts)
-      row.arguments.push_back(std::strtod(text.c_str(), nullptr));
+    std::string value;
+    for (std::string field; std::getline(fields, field, ',');) {
+      row.arguments.push_back(std::strtod(field.c_str(), nullptr));
+      value = field;
+    }
+    row.arguments.pop_back();
+    row.value = std::strtold(value.c_str(), nullptr);
     rows.push_back(row);
   }
   if (rows.empty()) throw std::runtime_error("no reference rows in " + file);

@@ -2,16 +2,20 @@
 
 // Tables of reference values in tests/data, and how far a result is from them.
 
-#include <span>
+#include <cstddef>
 #include <string>
 #include <vector>
 
 namespace vexa {
 
-// The arguments of a row and, in its last column, the value they should give.
+// The arguments of a row and, in its last column, the value they should give. A first column that
+// is no number, within quotes where it has commas, is the name or the text of a function.
 struct ReferenceRow {
+  std::string text;
   std::vector<double> arguments;
   long double value = 0;
+
+  double operator[](std::size_t index) const { return arguments[index]; }
 };
 
 // The rows of a file below tests/data, its heading passed over. Throws when there is none.

@@ -1,17 +1,11 @@
 #pragma once
 
-// Reads the reference values of data/calculus and holds the functions that they name.
+// The functions that the reference values of data/calculus name.
 
 #include <cmath>
-#include <cstddef>
-#include <cstdlib>
-#include <fstream>
 #include <functional>
 #include <map>
-#include <sstream>
-#include <stdexcept>
 #include <string>
-#include <vector>
 
 namespace vexa {
 
@@ -50,35 +44,6 @@ inline const NamedFunctions& referenceFunctions() {
       {"logarithm", [](double k) { return std::pow(0.9, k) / k; }},
   };
   return functions;
-}
-
-struct CalculusRow {
-  std::string name;
-  std::vector<double> arguments;
-  double value = 0;
-
-  const std::function<double(double)>& function() const { return referenceFunctions().at(name); }
-  double relativeError(double result) const { return std::fabs(result - value) / std::fabs(value); }
-};
-
-// The rows of a file below tests/data.
-inline std::vector<CalculusRow> calculusRows(const std::string& file) {
-  std::ifstream stream(std::string(VEXA_TEST_DATA) + "/" + file);
-  std::vector<CalculusRow> rows;
-  std::string line;
-  std::getline(stream, line);  // the heading
-  while (std::getline(stream, line)) {
-    CalculusRow row;
-    std::istringstream fields(line);
-    std::getline(fields, row.name, ',');
-    for (std::string text; std::getline(fields, text, ',');)
-      row.arguments.push_back(std::strtod(text.c_str(), nullptr));
-    row.value = row.arguments.back();
-    row.arguments.pop_back();
-    rows.push_back(row);
-  }
-  if (rows.size() < 10) throw std::runtime_error("too few reference values in " + file);
-  return rows;
 }
 
 }  // namespace vexa
