@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "numlib/linear/vector_kernels.h"
+#include "numlib/parallel_loop.h"
 
 namespace vexa {
 
@@ -17,9 +18,9 @@ namespace {
 // first while the tiles of a column of tiles pass by.
 constexpr int kPackedRows = 96;
 constexpr int kPackedDepth = 256;
-constexpr int kPackedCols = 1536;
-// Multiplications between two questions: some ten milliseconds with the slowest provider.
-constexpr double kPieceWork = 4e7;
+constexpr int kPackedCols = 768;
+// Multiplications that are worth starting threads for, some twenty times what that costs.
+constexpr double kThreadsWork = 1e7;
 // Beyond this depth a provider gains nothing from a longer piece.
 constexpr int kPieceDepth = 256;
 constexpr double kSmallPiece = double{kernelOrder} * kernelOrder * kernelOrder;
@@ -88,24 +89,37 @@ class OwnKernels final : public DenseKernels {
     const VectorKernels& vectors = vectorKernels();
     const int tileRows = vectors.tileRows, tileCols = vectors.tileCols;
     const int inner = aTaken == Taken::plain ? a.cols : a.rows;
+    const int threads = double(c.rows) * c.cols * inner < kThreadsWork ? 1 : loopThreads();
     const int maxDepth = std::min(inner, kPackedDepth);
-    const int maxRows = std::min(roundUp(c.rows, tileRows), kPackedRows);
+    // Strips for all threads to share, each packing its own part of the left operand.
+    const int maxRows =
+        roundUp(std::min(kPackedRows, evenStep(c.rows, c.rows / threads)), tileRows);
     const int maxCols = std::min(roundUp(c.cols, tileCols), roundUp(kPackedCols, tileCols));
-    const auto packedA = std::make_unique_for_overwrite<double[]>(size(maxRows) * size(maxDepth));
+    const std::size_t rowsPack = size(maxRows) * size(maxDepth);
+    const auto packedA = std::make_unique_for_overwrite<double[]>(size(threads) * rowsPack);
     const auto packedB = std::make_unique_for_overwrite<double[]>(size(maxCols) * size(maxDepth));
     for (int j0 = 0; j0 < c.cols; j0 += maxCols) {
       const int cols = std::min(maxCols, c.cols - j0);
       for (int k0 = 0; k0 < inner; k0 += maxDepth) {
         const int depth = std::min(maxDepth, inner - k0);
         packCols(b, bTaken, k0, depth, j0, cols, tileCols, packedB.get());
-        for (int i0 = 0; i0 < c.rows; i0 += maxRows) {
-          const int rows = std::min(maxRows, c.rows - i0);
-          packRows(a, aTaken, sign, i0, rows, k0, depth, tileRows, packedA.get());
-          addTiles(vectors, depth, packedA.get(), packedB.get(), c.part(i0, j0, rows, cols));
+        const auto addStrip = [&](int strip, int worker) {
+          const int i0 = strip * maxRows, rows = std::min(maxRows, c.rows - i0);
+          double* const pack = packedA.get() + size(worker) * rowsPack;
+          packRows(a, aTaken, sign, i0, rows, k0, depth, tileRows, pack);
+          addTiles(vectors, depth, pack, packedB.get(), c.part(i0, j0, rows, cols));
+        };
+        const int strips = (c.rows + maxRows - 1) / maxRows;
+        if (threads > 1) {
+          parallelLoop(strips, threads, addStrip);
+        } else {
+          for (int strip = 0; strip < strips; ++strip) addStrip(strip, 0);
         }
       }
     }
   }
+
+  double pieceWork() const override { return basicPieceWork * loopThreads(); }
 
   void solve(TriangularSystem system, ConstBlock t, Block x) const override {
     const VectorKernels& vectors = vectorKernels();
@@ -207,18 +221,18 @@ bool isFromRight(TriangularSystem system) {
 }
 
 // A library that wakes threads for a small piece loses more than it gains.
-const DenseKernels& kernelsFor(double multiplications) {
-  return multiplications < kSmallPiece ? ownKernels() : denseKernels();
+const DenseKernels& kernelsFor(double multiplications, Provider provider) {
+  return provider == Provider::own || multiplications < kSmallPiece ? ownKernels() : denseKernels();
 }
 
-bool solveByHalves(TriangularSystem system, ConstBlock t, Block x,
-                   const InterruptTest& interrupted) {
+bool solveByHalves(TriangularSystem system, ConstBlock t, Block x, const InterruptTest& interrupted,
+                   Provider provider) {
   const int n = t.rows;
   if (n <= kTriangle) {
     const DenseKernels& kernels =
-        kernelsFor(double(n) * n * (isFromRight(system) ? x.rows : x.cols));
+        kernelsFor(double(n) * n * (isFromRight(system) ? x.rows : x.cols), provider);
     // n is small, so the length of x bounds the work.
-    const int step = static_cast<int>(kPieceWork) / (kTriangle * kTriangle);
+    const int step = static_cast<int>(basicPieceWork) / (kTriangle * kTriangle);
     const int length = isFromRight(system) ? x.rows : x.cols;
     for (int at = 0; at < length; at += step) {
       if (asksToStop(interrupted)) return false;
@@ -232,25 +246,25 @@ bool solveByHalves(TriangularSystem system, ConstBlock t, Block x,
   const int rest = n - half;
   const ConstBlock first = t.part(0, 0, half, half), last = t.part(half, half, rest, rest);
   const auto solvePart = [&](ConstBlock triangle, Block part) {
-    return solveByHalves(system, triangle, part, interrupted);
+    return solveByHalves(system, triangle, part, interrupted, provider);
   };
   if (isFromRight(system)) {
     const Block left = x.part(0, 0, x.rows, half), right = x.part(0, half, x.rows, rest);
     return solvePart(first, left) &&
            addProductInPieces(-1.0, left, Taken::plain, t.part(half, 0, rest, half),
-                              Taken::transposed, right, interrupted) &&
+                              Taken::transposed, right, interrupted, provider) &&
            solvePart(last, right);
   }
   const Block top = x.part(0, 0, half, x.cols), bottom = x.part(half, 0, rest, x.cols);
   if (system == TriangularSystem::lowerUnit) {
     return solvePart(first, top) &&
            addProductInPieces(-1.0, t.part(half, 0, rest, half), Taken::plain, top, Taken::plain,
-                              bottom, interrupted) &&
+                              bottom, interrupted, provider) &&
            solvePart(last, bottom);
   }
   return solvePart(last, bottom) &&
          addProductInPieces(-1.0, t.part(0, half, half, rest), Taken::plain, bottom, Taken::plain,
-                            top, interrupted) &&
+                            top, interrupted, provider) &&
          solvePart(first, top);
 }
 
@@ -278,14 +292,14 @@ bool worthKernels(int rows, int inner, int cols) {
 }
 
 bool addProductInPieces(double sign, ConstBlock a, Taken aTaken, ConstBlock b, Taken bTaken,
-                        Block c, const InterruptTest& interrupted) {
+                        Block c, const InterruptTest& interrupted, Provider provider) {
   const int inner = aTaken == Taken::plain ? a.cols : a.rows;
   if (c.rows == 0 || c.cols == 0 || inner == 0) return true;
   const double work = double(c.rows) * c.cols * inner;
-  const DenseKernels& kernels = kernelsFor(work);
-  const bool whole = work <= kPieceWork;
+  const DenseKernels& kernels = kernelsFor(work, provider);
+  const bool whole = work <= kernels.pieceWork();
   const int depthStep = whole ? inner : evenStep(inner, kPieceDepth);
-  const double area = kPieceWork / depthStep;
+  const double area = kernels.pieceWork() / depthStep;
   const int colStep = whole ? c.cols : evenStep(c.cols, std::max(512.0, std::sqrt(area)));
   const int rowStep = whole ? c.rows : evenStep(c.rows, area / colStep);
   for (int k = 0; k < inner; k += depthStep) {
@@ -334,9 +348,9 @@ bool subtractLowerProduct(ConstBlock a, Taken aTaken, ConstBlock b, Taken bTaken
   return true;
 }
 
-bool solveInPieces(TriangularSystem system, ConstBlock t, Block x,
-                   const InterruptTest& interrupted) {
-  return solveByHalves(system, t, x, interrupted);
+bool solveInPieces(TriangularSystem system, ConstBlock t, Block x, const InterruptTest& interrupted,
+                   Provider provider) {
+  return solveByHalves(system, t, x, interrupted, provider);
 }
 
 }  // namespace vexa

@@ -5,8 +5,8 @@
 // The BLAS is opened at the first call with an order of kernelOrder or more, so that nobody else
 // waits for it; without one our own loops serve. Both add in an order of their own and fuse
 // products with sums, so their results differ in the last digits, from each other and from one
-// processor to the next. Below kernelOrder nothing here is used for such work, and results are
-// the same everywhere.
+// processor to the next; the number of processors changes nothing in ours. Below kernelOrder
+// nothing here is used for such work, and results are the same everywhere.
 #pragma once
 
 #include <cstddef>
@@ -18,6 +18,9 @@ namespace vexa {
 
 // From this order on the kernels are worth their overhead.
 inline constexpr int kernelOrder = 128;
+// From this order on our own kernels factorise about as fast as the BLAS, which would hold several
+// megabytes for itself.
+inline constexpr int frugalOrder = 2048;
 // Columns that a factorisation eliminates by itself before it hands the rest to the kernels.
 inline constexpr int panelColumns = 48;
 
@@ -63,6 +66,10 @@ enum class TriangularSystem {
   lowerUnitTransposed  // y Lᵀ = x, ones on the diagonal of L
 };
 
+// Multiplications between two questions to the user: some ten milliseconds with the slowest
+// processor.
+inline constexpr double basicPieceWork = 4e7;
+
 class DenseKernels {
  public:
   virtual ~DenseKernels() = default;
@@ -71,11 +78,15 @@ class DenseKernels {
                           Block c) const = 0;
   // Only the named triangle of t is read. A zero on the diagonal gives infinities.
   virtual void solve(TriangularSystem system, ConstBlock t, Block x) const = 0;
+  // Multiplications of one product that may pass between two questions to the user.
+  virtual double pieceWork() const = 0;
 };
 
 // The provider in force: the BLAS when it is allowed and could be opened, otherwise our own.
 const DenseKernels& denseKernels();
 const DenseKernels& ownKernels();
+// Which of them serves: the one in force, or our own for its small need of memory.
+enum class Provider { inForce, own };
 // Null when there is no usable BLAS on this machine, whatever has been allowed.
 const DenseKernels* systemBlasKernels();
 
@@ -90,12 +101,14 @@ bool worthKernels(int rows, int inner, int cols);
 // The same work in pieces of a bounded size, asking before each: c += sign * a * b. False when the
 // user wants to stop; c is unfinished then.
 [[nodiscard]] bool addProductInPieces(double sign, ConstBlock a, Taken aTaken, ConstBlock b,
-                                      Taken bTaken, Block c, const InterruptTest& interrupted);
+                                      Taken bTaken, Block c, const InterruptTest& interrupted,
+                                      Provider provider = Provider::inForce);
 // c -= aᵀ or a times b or bᵀ, only on and below the diagonal of the square c.
 [[nodiscard]] bool subtractLowerProduct(ConstBlock a, Taken aTaken, ConstBlock b, Taken bTaken,
                                         Block c, const InterruptTest& interrupted);
 // A triangular system of any order with any number of right sides.
 [[nodiscard]] bool solveInPieces(TriangularSystem system, ConstBlock t, Block x,
-                                 const InterruptTest& interrupted);
+                                 const InterruptTest& interrupted,
+                                 Provider provider = Provider::inForce);
 
 }  // namespace vexa

@@ -31,7 +31,8 @@ class Factorisation {
         m_tolerance(tolerance),
         m_sign(sign),
         m_interrupted(interrupted),
-        m_useKernels(a.rows >= kernelOrder) {}
+        m_useKernels(a.rows >= kernelOrder),
+        m_provider(a.rows >= frugalOrder ? Provider::own : Provider::inForce) {}
 
   Outcome run() {
     m_sign = 1.0;
@@ -94,11 +95,11 @@ class Factorisation {
     if (m_useKernels) {
       return solveInPieces(TriangularSystem::lowerUnit,
                            whole.part(first, first, middle - first, middle - first), top,
-                           m_interrupted) &&
+                           m_interrupted, m_provider) &&
              addProductInPieces(-1.0, whole.part(middle, first, n - middle, middle - first),
                                 Taken::plain, top, Taken::plain,
                                 whole.part(middle, middle, n - middle, last - middle),
-                                m_interrupted);
+                                m_interrupted, m_provider);
     }
     // From the top: row i needs the finished rows above it.
     const VectorKernels& vectors = vectorKernels();
@@ -121,6 +122,7 @@ class Factorisation {
   double& m_sign;
   const InterruptTest& m_interrupted;
   bool m_useKernels;
+  Provider m_provider;
 };
 
 // The same operations on all columns of x that luSolve does on one.

@@ -46,6 +46,8 @@ class BlasKernels final : public DenseKernels {
            &x.cols, &x.rows, &one, t.data, &strideT, x.data, &strideX);
   }
 
+  double pieceWork() const override { return basicPieceWork; }
+
  private:
   Gemm m_gemm;
   Trsm m_trsm;

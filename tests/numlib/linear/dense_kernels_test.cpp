@@ -37,8 +37,12 @@ TestMatrix cleaned(const TestMatrix& t, bool lower, bool unit) {
 
 TEST_F(DenseKernelsTest, ProductsOfBlocksInsideLargerMatrices) {
   constexpr int margin = 3;
-  for (auto [r, n, q] :
-       {std::array{1, 1, 1}, {8, 5, 24}, {9, 7, 25}, {97, 258, 31}, {3, 40, 1541}}) {
+  for (auto [r, n, q] : {std::array{1, 1, 1},
+                         {8, 5, 24},
+                         {9, 7, 25},
+                         {97, 258, 31},
+                         {3, 40, 1541},
+                         {211, 310, 190}}) {
     for (const Taken aTaken : {Taken::plain, Taken::transposed}) {
       for (const Taken bTaken : {Taken::plain, Taken::transposed}) {
         const TestMatrix a = randomMatrix(r, n), b = randomMatrix(n, q);
