@@ -66,7 +66,9 @@ double besselK(double n, double x) {
   if (!usableOrder(n) || !(x >= 0)) return kNaN;
   if (x == 0) return kInfinity;
   if (std::isinf(x)) return 0.0;
-  return quietly([=] { return boost::math::cyl_bessel_k(n, x, IgnoreErrors()); });
+  const double value = quietly([=] { return boost::math::cyl_bessel_k(n, x, IgnoreErrors()); });
+  // The library gives not-a-number where K leaves the range even of long double.
+  return std::isnan(value) ? kInfinity : value;
 }
 
 }  // namespace vexa

@@ -188,15 +188,21 @@ def elliptic():
     pairs += [(random.uniform(-20, 20), random.uniform(-1, 1)) for _ in range(40)]
     beyond = [(0.5, 2.0), (0.1, 9.9), (-0.3, 3.3), (1e-5, 99999.0), (0.7, 1.5), (1.55, 1.0001), (0.2, -5.0)]
     unit = [(phi, 1.0) for phi in (1e-8, 0.5, -1.2, 1.5, 1.57)]
-    write("ellipf.csv", "phi,k,F", tabulate(first, pairs + beyond + unit))
+    # Where the root nearly vanishes: beside a quarter turn, and beside the greatest angle.
+    edge = [(1.5707963076, -1 + 2**-53), (1.5707963261870697, 1 - 3e-14), (1.57, 1 - 1e-9),
+            (-0.005260645670532749, -190.09161138055157), (0.00019742384582384, 5065.244283551643),
+            (1.1221639359889672e-08, 89113539.29037817), (1.5707962, 1 + 1e-15)]
+    write("ellipf.csv", "phi,k,F", tabulate(first, pairs + beyond + unit + edge))
     turns = [(phi, k, 2 * mpmath.nint(mpf(phi) / mp.pi)
               + mpmath.sin(phi - mp.pi * mpmath.nint(mpf(phi) / mp.pi)))
              for phi in (0.5, 1.6, 2.0, -4.0, 20.0, 1234.5) for k in (1.0, -1.0)]
-    write("ellipe.csv", "phi,k,E", tabulate(second, pairs + beyond) + turns)
+    write("ellipe.csv", "phi,k,E", tabulate(second, pairs + beyond + edge) + turns)
 
     characteristics = [0.3, -0.3, -2.0, 0.0, 0.9, 1 - 1e-8, -1e3, -1e8, 0.999, 1e-12]
     triples = [(phi, random.choice(characteristics), k) for phi, k in pairs if abs(phi) > 1e-200]
     triples += [(0.5, 3.0, 0.8), (0.1, 99.0, 0.999), (0.3, 2.0, 2.5), (0.2, -50.0, 4.0), (1.2, 1.1, 0.5)]
+    triples += [(-0.000515333638351989, 30.068019730815514, -1940.4905285426187), (0.3, -1e6, 2.5),
+                (0.1, 1 / math.sin(0.1) ** 2, 0.5), (0.01, 9999.0, 99.9)]
     write("ellipi.csv", "phi,n,k,Pi", tabulate(third, triples))
     pairs = [(n, k) for n in characteristics + [-1e12] for k in moduli]
     write("ellipi_complete.csv", "n,k,Pi", tabulate(lambda n, k: mpmath.ellippi(n, k * k), pairs))
@@ -269,6 +275,7 @@ def complex_functions():
               (math.pi / 2, 0.0), (1.0, 1e-10), (0.6, 0.8), (1 + 1e-9, 1e-9)]
     points += [(random.uniform(-1, 1) * a, random.uniform(-1, 1) * b)
                for a, b in zip(spread(-6, 2, 40), spread(-6, 2, 40))]
+    points += [(1.2356141380903472e-08, 0.01783583087531663), (264669.6656485027, 2.2207335564540465)]
     functions = {"ccos": mpmath.cos, "cexp": mpmath.exp, "cln": mpmath.log, "csin": mpmath.sin,
                  "csqrt": mpmath.sqrt, "ctan": mpmath.tan}
     for name, function in functions.items():

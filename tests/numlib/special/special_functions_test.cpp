@@ -138,6 +138,7 @@ TEST(BesselTest, ValuesAtZeroBelowItAndAtInfinity) {
   EXPECT_TRUE(std::isnan(besselK(1, -1)));
   EXPECT_EQ(besselI(0, 1000), kInfinity);
   EXPECT_EQ(besselK(0, 1000), 0);
+  for (const double n : {247.0, -1e4, 35613.5}) EXPECT_EQ(besselK(n, 1e-200), kInfinity) << n;
   EXPECT_EQ(besselJ(200, 1e-5), 0);
   EXPECT_EQ(besselJ(2, kInfinity), 0);
   EXPECT_EQ(besselI(3, -kInfinity), -kInfinity);
