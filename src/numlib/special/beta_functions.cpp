@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <limits>
 #include <numbers>
+#include <utility>
 
 #include "numlib/special/boost_policy.h"
 #include "numlib/special/gamma.h"
@@ -18,6 +19,7 @@ constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 using Real = long double;
+__extension__ using Quad = __float128;
 __extension__ using Wide = unsigned __int128;
 
 constexpr double kLargestCount = 1e6;
@@ -53,31 +55,72 @@ double binomialByProduct(double n, int k) {
   return static_cast<double>(std::scalbn(product, exponent));
 }
 
-// ln(1 + u) - u, without cancellation for small u.
-Real logarithmMinusExcess(Real u) {
-  if (std::fabs(u) > 1e-3L) return std::log1p(u) - u;
-  Real sum = 0, power = u * u;
-  for (int k = 2; k <= 9; ++k, power *= -u) sum -= power / k;
-  return sum;
+// What the incomplete integral of large parameters is made of, below the mean m = a / (a + b):
+// above it, the same seen from the other end.
+struct LargeBeta {
+  LargeBeta(double first, double second, double at, Tail of)
+      : a(first), b(second), x(at), tail(of) {
+    // The distance from the mean counts in units of sqrt(m (1 - m) / (a + b)), so it needs the
+    // digits that the difference takes away.
+    Quad beyond = static_cast<Quad>(x) * b - (1 - static_cast<Quad>(x)) * a;
+    if (beyond > 0) {
+      std::swap(a, b);
+      x = 1 - x;
+      beyond = -beyond;
+      tail = tail == Tail::lower ? Tail::upper : Tail::lower;
+    }
+    below = static_cast<Real>(-beyond);
+    exponent = a * logarithmMinusExcess(-below / a) + b * logarithmMinusExcess(below / b);
+  }
+
+  double ofLower(Real lower) const {
+    return static_cast<double>(tail == Tail::lower ? lower : 1 - lower);
+  }
+
+  Real a, b, x;
+  Tail tail;      // that is asked for
+  Real below;     // (a + b) (m - x)
+  Real exponent;  // a ln(x/m) + b ln((1-x)/(1-m))
+};
+
+// From here on the library's powers lose digits, up to half of them for parameters of 1e10.
+constexpr double kLargeFrom = 1000;
+
+// The continued fraction of DiDonato and Morris (ACM TOMS 18, 1992, BFRAC), forwards by Lentz's
+// method, with the leading factor put together from what is left of large exponents.
+double betaByFraction(const LargeBeta& p) {
+  const Real a = p.a, b = p.b, sum = a + b;
+  const Real factor =
+      std::exp(p.exponent + stirlingRemainder(sum) - stirlingRemainder(a) - stirlingRemainder(b)) *
+      std::sqrt(a / sum * b / (2 * std::numbers::pi_v<Real>));
+  if (factor == 0) return p.ofLower(0);
+  Real value = a * (p.below + 1) / (a + 1);
+  Real c = value, d = 0, step = 0;
+  for (Real n = 1; std::fabs(step - 1) > 2 * std::numeric_limits<Real>::epsilon(); n += 1) {
+    const Real middle = a + 2 * n - 1;
+    const Real numerator =
+        (a + n - 1) / middle * ((sum + n - 1) / middle) * (n * (b - n)) * (p.x * p.x);
+    const Real plain =
+        n + n * (b - n) * p.x / middle + (a + n) / (middle + 2) * (p.below + 1 + n * (2 - p.x));
+    d = 1 / (plain + numerator * d);
+    c = plain + numerator / c;
+    step = c * d;
+    value *= step;
+  }
+  return p.ofLower(factor / value);
 }
 
-// From here on the library's continued fraction would need too many terms near the mean.
-constexpr double kUniformFrom = 1e11;
+// From here on the continued fraction would need too many terms near the mean.
+constexpr double kUniformFrom = 1e16;
 
 // Temme's uniform expansion of I_x(a, b) with the first term of its remainder, right to about
-// 1 / min(a, b): with r = a + b and the mean m = a / r, erfc(-+ sqrt(-r e)) / 2 +-
-// e^(r e) (1 - 2m) / (3 sqrt(2 pi r m (1 - m))), where e = m ln(x/m) + (1 - m) ln((1-x)/(1-m)).
-double betaOfLarge(double a, double b, double x, Tail tail) {
-  const Real r = static_cast<Real>(a) + b;
-  const Real mean = a / r, rest = b / r;
-  const Real distance = x - mean;
-  const Real exponent = r * (mean * logarithmMinusExcess(distance / mean) +
-                             rest * logarithmMinusExcess(-distance / rest));
-  const Real sign = tail == Tail::lower ? 1 : -1;
-  const Real skew = std::exp(exponent) * (rest - mean) /
-                    (3 * std::sqrt(2 * std::numbers::pi_v<Real> * r * mean * rest));
-  const Real wave = std::copysign(std::sqrt(std::fmax(-exponent, 0.0L)), distance);
-  return static_cast<double>(std::erfc(-sign * wave) / 2 + sign * skew);
+// 1 / min(a, b): with r = a + b, erfc(sqrt(-e)) / 2 + e^e (1 - 2m) / (3 sqrt(2 pi r m (1 - m))),
+// where e is the exponent.
+double betaByExpansion(const LargeBeta& p) {
+  const Real sum = p.a + p.b;
+  const Real skew = std::exp(p.exponent) * ((p.b - p.a) / sum) /
+                    (3 * std::sqrt(2 * std::numbers::pi_v<Real> * p.a * (p.b / sum)));
+  return p.ofLower(std::erfc(std::sqrt(-p.exponent)) / 2 + skew);
 }
 
 }  // namespace
@@ -95,7 +138,10 @@ double regularizedBeta(double a, double b, double x, Tail tail) {
   // All of the weight stands at one end then.
   if (std::isinf(a)) return (x == 1) == lower ? 1.0 : 0.0;
   if (std::isinf(b)) return (x > 0) == lower ? 1.0 : 0.0;
-  if (std::fmin(a, b) >= kUniformFrom && x > 0 && x < 1) return betaOfLarge(a, b, x, tail);
+  if (const double least = std::fmin(a, b); least >= kLargeFrom && x > 0 && x < 1) {
+    const LargeBeta large(a, b, x, tail);
+    return least < kUniformFrom ? betaByFraction(large) : betaByExpansion(large);
+  }
   return quietly([=] {
     return lower ? boost::math::ibeta(a, b, x, IgnoreErrors())
                  : boost::math::ibetac(a, b, x, IgnoreErrors());

@@ -1,6 +1,6 @@
 // Euler's beta function and its incomplete relative, the incomplete gamma function with its
-// complement, and binomial coefficients. Outside of a domain the result is not-a-number. From
-// Boost.Math in long double, but for the binomial coefficients.
+// complement, and binomial coefficients. Outside of a domain the result is not-a-number. Much of
+// it is Boost.Math's, in long double.
 #pragma once
 
 namespace vexa {
@@ -13,8 +13,7 @@ enum class Tail { lower, upper };
 double betaFunction(double a, double b);
 
 // The regularised incomplete beta function I_x(a, b), for a > 0, b > 0 and 0 <= x <= 1; the upper
-// tail is 1 - I_x(a, b). Within 4 units in the last place while the smaller of a and b is below
-// 1e5, within 1e-9 of it beyond.
+// tail is 1 - I_x(a, b). Within 4 units in the last place.
 double regularizedBeta(double a, double b, double x, Tail tail);
 
 // The regularised incomplete gamma function P(a, x), for a > 0 and x >= 0; the upper tail is

@@ -32,36 +32,12 @@ Real logGammaReal(Real x) {
   return ::lgammal_r(x, &sign);
 }
 
-// ln(x / a) - (x - a) / a, without cancellation for x near a.
-Real logRatioMinusExcess(Real a, Real x) {
-  const Real u = (x - a) / a;
-  if (std::fabs(u) > 0.5L) return std::log(x / a) - u;
-  // With v = u / (2 + u): ln(1 + u) = 2 (v + v^3/3 + v^5/5 + ...) and 2v - u = -uv.
-  const Real v = u / (2 + u);
-  Real sum = 0.0L;
-  Real power = v * v * v;
-  for (int k = 3; std::fabs(power) > kEpsilon * std::fabs(sum); k += 2, power *= v * v) {
-    sum += power / static_cast<Real>(k);
-  }
-  return -u * v + 2 * sum;
-}
-
-// ln gamma(a) - ((a - 1/2) ln a - a + ln(2 pi)/2), by Stirling's series.
-Real stirlingRemainder(Real a) {
-  constexpr std::array<Real, 8> kTerms = {1.0L / 12,    -1.0L / 360,      1.0L / 1260,
-                                          -1.0L / 1680, 1.0L / 1188,      -691.0L / 360360,
-                                          1.0L / 156,   -3617.0L / 122400};
-  const Real square = 1 / (a * a);
-  Real sum = 0.0L;
-  for (std::size_t k = kTerms.size(); k-- > 0;) sum = sum * square + kTerms[k];
-  return sum / a;
-}
-
 // x^a e^-x / gamma(a + 1). For large a the exponents are large and nearly cancel, so there the
 // quantity is put together from what is left of them.
 Real leadingFactor(Real a, Real x) {
   if (a < kStirlingFrom) return std::exp(a * std::log(x) - x - logGammaReal(a + 1));
-  return std::exp(a * logRatioMinusExcess(a, x) - stirlingRemainder(a)) / std::sqrt(kTwoPi * a);
+  return std::exp(a * logarithmMinusExcess((x - a) / a) - stirlingRemainder(a)) /
+         std::sqrt(kTwoPi * a);
 }
 
 // P(a, x) = factor (1 + x/(a+1) + x^2/((a+1)(a+2)) + ...): all terms positive, and falling for
@@ -107,7 +83,7 @@ Real fractionForQ(Real a, Real x) {
 enum class Side { lower, upper };
 
 Real uniform(Real a, Real x, Side side) {
-  const Real halfSquare = -logRatioMinusExcess(a, x);
+  const Real halfSquare = -logarithmMinusExcess((x - a) / a);
   const Real eta = std::copysign(std::sqrt(2 * halfSquare), x - a);
   const Real c0 =
       -1.0L / 3 +
@@ -146,6 +122,28 @@ double regularizedGammaQ(double a, double x) {
 // P(1/2, x^2) is erf(|x|) exactly: put t = s^2 in the integral of P. The library's erf is the
 // better way to it, since the square would overflow, vanish or be rounded.
 double erfValue(double x) { return std::erf(x); }
+
+long double logarithmMinusExcess(long double u) {
+  if (std::fabs(u) > 0.5L) return std::log1p(u) - u;
+  // With v = u / (2 + u): ln(1 + u) = 2 (v + v^3/3 + v^5/5 + ...) and 2v - u = -uv.
+  const Real v = u / (2 + u);
+  Real sum = 0.0L;
+  Real power = v * v * v;
+  for (int k = 3; std::fabs(power) > kEpsilon * std::fabs(sum); k += 2, power *= v * v) {
+    sum += power / static_cast<Real>(k);
+  }
+  return -u * v + 2 * sum;
+}
+
+long double stirlingRemainder(long double a) {
+  constexpr std::array<Real, 8> kTerms = {1.0L / 12,    -1.0L / 360,      1.0L / 1260,
+                                          -1.0L / 1680, 1.0L / 1188,      -691.0L / 360360,
+                                          1.0L / 156,   -3617.0L / 122400};
+  const Real square = 1 / (a * a);
+  Real sum = 0.0L;
+  for (std::size_t k = kTerms.size(); k-- > 0;) sum = sum * square + kTerms[k];
+  return sum / a;
+}
 
 double factorial(int n) {
   constexpr int kTableSize = 33;

@@ -27,4 +27,11 @@ double erfValue(double x);
 // The table is the process's own and grows on demand: one thread at a time.
 double factorial(int n);
 
+// For functions of large parameters, in extended precision.
+//
+// ln(1 + u) - u for u > -1, without cancellation where u is small.
+long double logarithmMinusExcess(long double u);
+// ln gamma(a) - ((a - 1/2) ln a - a + ln(2 pi)/2), for a >= 20.
+long double stirlingRemainder(long double a);
+
 }  // namespace vexa

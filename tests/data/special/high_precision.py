@@ -162,6 +162,9 @@ def beta_family():
     for a, b in zip(spread(-2, 4, 60), spread(-2, 4, 60)):
         mean, width = a / (a + b), math.sqrt(a * b / (a + b) ** 2 / (a + b + 1))
         triples.append((a, b, min(max(mean + random.uniform(-6, 6) * width, 1e-9), 1 - 1e-9)))
+    triples += [(82350.52759245715, 55186.78778016409, 0.5913896747141746),
+                (6061573.503028736, 7918159.091936301, 0.4328699568520698),
+                (12686.720740800043, 37755.51309629557, 0.289597005983654), (3e9, 7e9, 0.300005)]
     write("betainc.csv", "a,b,x,I", tabulate(tail(beta_lower, False), triples))
     write("betainc_upper.csv", "a,b,x,1-I", tabulate(tail(beta_lower, True), triples))
 
