@@ -12,8 +12,11 @@ namespace {
 std::vector<AccuracyEntry> makeTable() {
   std::vector<AccuracyEntry> table;
   addSpecialFunctions(table);
-  addFinance(table);
   addCalculus(table);
+  addFits(table);
+  addSignificance(table);
+  addEngineering(table);
+  addFinance(table);
   return table;
 }
 

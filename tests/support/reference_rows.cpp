@@ -31,20 +31,29 @@ std::string takeText(std::string& line) {
 
 }  // namespace
 
+std::vector<double> numbersOf(const std::string& text) {
+  std::istringstream stream(text);
+  std::vector<double> numbers;
+  for (std::string word; stream >> word;) numbers.push_back(std::strtod(word.c_str(), nullptr));
+  return numbers;
+}
+
 std::vector<ReferenceRow> referenceRows(const std::string& file) {
   std::ifstream stream(std::string(VEXA_TEST_DATA) + "/" + file);
   std::string line;
   std::getline(stream, line);  // the heading
   std::vector<ReferenceRow> rows;
   while (std::getline(stream, line)) {
-    ReferenceRow row{takeText(line), {}, 0};
+    ReferenceRow row{takeText(line), {}, {}, 0};
     std::istringstream fields(line);
     std::string value;
     for (std::string field; std::getline(fields, field, ',');) {
       row.arguments.push_back(std::strtod(field.c_str(), nullptr));
+      row.lists.push_back(numbersOf(field));
       value = field;
     }
     row.arguments.pop_back();
+    row.lists.pop_back();
     row.value = std::strtold(value.c_str(), nullptr);
     rows.push_back(row);
   }

@@ -74,20 +74,22 @@ std::optional<double> internalRate(std::span<const double> v, double guess,
 
 std::optional<double> internalRateByDays(std::span<const double> v, std::span<const double> days,
                                          double guess, const InterruptTest& interrupted) {
-  std::vector<double> amounts, years;
+  std::vector<double> amounts, when;
   for (std::size_t k = 0; k < v.size(); ++k) {
     if (v[k] == 0) continue;
     amounts.push_back(v[k]);
-    years.push_back((days[k] - days[0]) / daysPerYear);
+    when.push_back(days[k]);
   }
   if (amounts.empty()) return std::nullopt;
-  const auto range = std::ranges::minmax(years);
+  const auto range = std::ranges::minmax(when);
   const auto worth = [&](long double u) {
     asksToStop(interrupted);
-    const long double reference = u >= 0 ? range.min : range.max;
+    // Days are whole, so nothing is rounded before the exponent.
+    const long double perDay = u / daysPerYear;
+    const double reference = u >= 0 ? range.min : range.max;
     long double sum = 0;
     for (std::size_t k = 0; k < amounts.size(); ++k)
-      sum += amounts[k] * std::exp(-u * (years[k] - reference));
+      sum += amounts[k] * std::exp(-perDay * (when[k] - reference));
     return sum;
   };
   return searchRate(worth, guess);

@@ -73,17 +73,17 @@ def samples():
 
 
 def main():
-    rows = ["function;x;y;statistic;p"]
-    for x, y in samples():
-        for test in (correlation, ftest, studente, studentu, studentp):
+    for test in (correlation, ftest, studente, studentu, studentp):
+        rows = ["part,x,y,value"]
+        for x, y in samples():
             pairs = test in (correlation, studentp)
             if pairs and len(x) != len(y) or test is correlation and len(x) < 3:
                 continue
-            statistic, p = test(x, y)
-            rows.append(";".join([test.__name__, " ".join(map(repr, x)), " ".join(map(repr, y)),
-                                  nstr(statistic, 32), nstr(p, 32)]))
-    pathlib.Path(__file__).with_name("significance.csv").write_text("\n".join(rows) + "\n",
-                                                                    encoding="ascii")
+            for part, value in enumerate(test(x, y)):
+                rows.append(",".join([str(part), " ".join(map(repr, x)), " ".join(map(repr, y)),
+                                      nstr(value, 32)]))
+        path = pathlib.Path(__file__).with_name(f"{test.__name__}.csv")
+        path.write_text("\n".join(rows) + "\n", encoding="ascii")
 
 
 if __name__ == "__main__":
