@@ -26,8 +26,8 @@ double sumOf(const double* lanes) {
 
 // p = S u for the symmetric matrix S of which the lower triangle is given. Each element is loaded
 // once and counts for its own place and for the mirrored one.
-VEXA_WIDE_LOOPS void multiplySymmetric(const double* s, std::ptrdiff_t stride, const double* u,
-                                       double* p, std::ptrdiff_t n) {
+VEXA_WIDE_LOOPS void symmetricProduct(const double* s, std::ptrdiff_t stride, const double* u,
+                                      double* p, std::ptrdiff_t n) {
   for (std::ptrdiff_t i = 0; i < n; ++i) {
     const double* const row = s + i * stride;
     const double factor = u[i];
@@ -144,11 +144,19 @@ void reflectSymmetric(const SubMatrix& block, std::span<const double> u, double 
                       std::span<double> work) {
   const int n = block.rows;
   const auto p = work.first(static_cast<std::size_t>(n));
-  multiplySymmetric(block.data, block.stride, u.data(), p.data(), n);
-  for (double& element : p) element /= h;
-  const double half = rowProduct(u.data(), p.data(), n) / (h + h);
-  for (std::size_t i = 0; i < p.size(); ++i) p[i] -= half * u[i];
+  multiplySymmetric(block, u, p);
+  makePartner(p, u, h);
   subtractSymmetric(block.data, block.stride, u.data(), p.data(), n);
+}
+
+void multiplySymmetric(const SubMatrix& block, std::span<const double> u, std::span<double> p) {
+  symmetricProduct(block.data, block.stride, u.data(), p.data(), block.rows);
+}
+
+void makePartner(std::span<double> p, std::span<const double> u, double h) {
+  for (double& element : p) element /= h;
+  const double half = rowProduct(u.data(), p.data(), static_cast<int>(u.size())) / (h + h);
+  for (std::size_t i = 0; i < p.size(); ++i) p[i] -= half * u[i];
 }
 
 double safeScale(double largest) {

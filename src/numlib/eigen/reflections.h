@@ -56,6 +56,12 @@ void reflectRows(const SubMatrix& block, std::span<const double> u, double h);
 void reflectSymmetric(const SubMatrix& block, std::span<const double> u, double h,
                       std::span<double> work);
 
+// p = S u for the symmetric matrix S whose lower triangle stands in block.
+void multiplySymmetric(const SubMatrix& block, std::span<const double> u, std::span<double> p);
+
+// Turns p = S u into q, for which the reflected S is S - u q' - q u'.
+void makePartner(std::span<double> p, std::span<const double> u, double h);
+
 // A power of two that brings numbers of the given largest magnitude near 1; 1 when they are so
 // near to it that their squares and the squares' sums are safe, and for 0, infinity and
 // not-a-number.

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "numlib/eigen/packs.h"
+#include "numlib/parallel_loop.h"
 
 namespace vexa {
 
@@ -10,6 +11,13 @@ namespace {
 
 // Rows that are rotated together. Their columns stand one behind the other in the panel.
 constexpr int kPanelRows = 4 * packSize;
+
+// Columns that go to a panel or back together, so that what is written stays in the nearest cache.
+constexpr int kCopiedCols = 64;
+// Rotations of a row that are worth starting threads for, and that may pass between two questions
+// to the user, some ten milliseconds.
+constexpr double kThreadsWork = 1e6;
+constexpr double kPieceWork = 1e7;
 
 StoredPack* packs(double* column) { return reinterpret_cast<StoredPack*>(column); }
 
@@ -19,8 +27,7 @@ ColumnRotations::ColumnRotations(MatrixView target, const InterruptTest& interru
     : m_target(target),
       m_interrupted(interrupted),
       // Copying rows into a panel and back must be a small share of the work on it.
-      m_enough(std::max<std::size_t>(8192, 16 * static_cast<std::size_t>(target.cols))),
-      m_panel(static_cast<std::size_t>(target.cols) * kPanelRows) {}
+      m_enough(std::max<std::size_t>(8192, 32 * static_cast<std::size_t>(target.cols))) {}
 
 void ColumnRotations::beginChain(int column, Direction direction) {
   const int step = direction == Direction::ascending ? 1 : -1;
@@ -73,28 +80,29 @@ VEXA_WIDE_LOOPS void ColumnRotations::applySweep(double* panel, const Sweep& swe
   carried[3].lanes = x3;
 }
 
-void ColumnRotations::applyToPanel(int firstRow, int rows, int firstCol, int lastCol) {
-  double* const panel = m_panel.data();
-  const auto place = [panel](int column, int row) -> double& {
-    return panel[column * std::ptrdiff_t{kPanelRows} + row];
+void ColumnRotations::applyToPanel(double* panel, int firstRow, int firstCol, int lastCol) const {
+  const int rows = std::min(kPanelRows, m_target.rows - firstRow);
+  const auto forEachElement = [&](auto copy) {
+    for (int block = firstCol; block <= lastCol; block += kCopiedCols) {
+      const int end = std::min(block + kCopiedCols, lastCol + 1);
+      for (int r = 0; r < rows; ++r) {
+        double* const row = m_target.row(firstRow + r);
+        for (int j = block; j < end; ++j) copy(row[j], panel[j * std::ptrdiff_t{kPanelRows} + r]);
+      }
+    }
   };
-  for (int r = 0; r < rows; ++r) {
-    const double* const row = m_target.row(firstRow + r);
-    for (int j = firstCol; j <= lastCol; ++j) place(j, r) = row[j];
-  }
+  forEachElement([](double element, double& place) { place = element; });
   for (std::size_t k = 0; k < m_sweeps.size(); ++k) {
     const std::size_t begin = m_sweeps[k].begin;
     const std::size_t end = k + 1 < m_sweeps.size() ? m_sweeps[k + 1].begin : m_rotations.size();
     applySweep(panel, m_sweeps[k], m_rotations.data() + begin,
                static_cast<std::ptrdiff_t>(end - begin));
   }
-  for (int r = 0; r < rows; ++r) {
-    double* const row = m_target.row(firstRow + r);
-    for (int j = firstCol; j <= lastCol; ++j) row[j] = place(j, r);
-  }
+  forEachElement([](double& element, double place) { element = place; });
 }
 
 bool ColumnRotations::applyAll() {
+  if (m_rotations.empty()) return true;
   int firstCol = m_target.cols - 1;
   int lastCol = 0;
   for (std::size_t k = 0; k < m_sweeps.size(); ++k) {
@@ -104,9 +112,18 @@ bool ColumnRotations::applyAll() {
     firstCol = std::min({firstCol, m_sweeps[k].start, last});
     lastCol = std::max({lastCol, m_sweeps[k].start, last});
   }
-  for (int row = 0; row < m_target.rows && !m_rotations.empty(); row += kPanelRows) {
+  const double rowWork = static_cast<double>(m_rotations.size());
+  const int threads = rowWork * m_target.rows < kThreadsWork ? 1 : loopThreads();
+  const std::size_t panelSize = static_cast<std::size_t>(m_target.cols) * kPanelRows;
+  m_panels.resize(std::max(m_panels.size(), panelSize * static_cast<std::size_t>(threads)));
+  const int panels = (m_target.rows + kPanelRows - 1) / kPanelRows;
+  const int step = threads * std::max(1, static_cast<int>(kPieceWork / (rowWork * kPanelRows)));
+  for (int first = 0; first < panels; first += step) {
     if (asksToStop(m_interrupted)) return false;
-    applyToPanel(row, std::min(kPanelRows, m_target.rows - row), firstCol, lastCol);
+    parallelLoop(std::min(step, panels - first), threads, [&](int index, int worker) {
+      applyToPanel(m_panels.data() + panelSize * static_cast<std::size_t>(worker),
+                   (first + index) * kPanelRows, firstCol, lastCol);
+    });
   }
   m_rotations.clear();
   m_sweeps.clear();

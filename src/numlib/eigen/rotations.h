@@ -48,14 +48,14 @@ class ColumnRotations {
   };
   static void applySweep(double* panel, const Sweep& sweep, const Rotation* rotation,
                          std::ptrdiff_t count);
-  void applyToPanel(int firstRow, int rows, int firstCol, int lastCol);
+  void applyToPanel(double* panel, int firstRow, int firstCol, int lastCol) const;
 
   MatrixView m_target;
   const InterruptTest& m_interrupted;
   std::size_t m_enough;
   std::vector<Rotation> m_rotations;
   std::vector<Sweep> m_sweeps;
-  std::vector<double> m_panel;
+  std::vector<double> m_panels;  // one for each thread
 };
 
 }  // namespace vexa

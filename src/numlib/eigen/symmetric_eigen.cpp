@@ -8,46 +8,13 @@
 #include "numlib/eigen/plane_rotation.h"
 #include "numlib/eigen/reflections.h"
 #include "numlib/eigen/rotations.h"
+#include "numlib/eigen/tridiagonal_form.h"
 
 namespace vexa {
 
 namespace {
 
 using Direction = ColumnRotations::Direction;
-
-// From the last row upward each row is reflected until only the neighbour of the diagonal is left
-// of it. The vector of row i's reflection stays in that row, its h in h[i]; coupling[i] joins i - 1
-// and i. The diagonal keeps the tridiagonal form's.
-bool makeTridiagonal(MatrixView a, std::span<double> h, std::span<double> coupling,
-                     std::span<double> work, const InterruptTest& interrupted) {
-  h[0] = coupling[0] = 0.0;
-  for (int i = a.rows - 1; i > 0; --i) {
-    if (asksToStop(interrupted)) return false;
-    const std::span<double> u{a.row(i), static_cast<std::size_t>(i)};
-    const Reflection reflection = makeReflection(u, i - 1);
-    const auto at = static_cast<std::size_t>(i);
-    h[at] = reflection.h;
-    coupling[at] = reflection.image;
-    if (reflection.h != 0.0) reflectSymmetric(subMatrix(a, 0, 0, i, i), u, reflection.h, work);
-  }
-  return true;
-}
-
-// Multiplies the reflections into a, which becomes orthogonal; the diagonal moves to `values`,
-// which holds their h before.
-bool accumulate(MatrixView a, std::span<double> values, std::span<double> work,
-                const InterruptTest& interrupted) {
-  for (int i = 0; i < a.rows; ++i) {
-    if (asksToStop(interrupted)) return false;
-    const auto at = static_cast<std::size_t>(i);
-    const std::span<double> u{a.row(i), at};
-    if (values[at] != 0.0) reflectColumns(subMatrix(a, 0, 0, i, i), u, values[at], work);
-    values[at] = a(i, i);
-    a(i, i) = 1.0;
-    for (int j = 0; j < i; ++j) a(i, j) = a(j, i) = 0.0;
-  }
-  return true;
-}
 
 // The tridiagonal matrix during the iteration: d the diagonal, e[i] joins i and i + 1.
 struct Tridiagonal {
@@ -123,9 +90,8 @@ Outcome eigenSymmetric(MatrixView a, std::span<double> values, const InterruptTe
     for (double& element : a.elements()) element *= scale;
 
   std::vector<double> coupling(n);
-  std::vector<double> work(n);
-  if (!makeTridiagonal(a, values, coupling, work, interrupted)) return Outcome::interrupted;
-  if (!accumulate(a, values, work, interrupted)) return Outcome::interrupted;
+  if (!makeTridiagonal(a, values, coupling, interrupted)) return Outcome::interrupted;
+  if (!accumulateReflections(a, values, interrupted)) return Outcome::interrupted;
   std::shift_left(coupling.begin(), coupling.end(), 1);
 
   ColumnRotations vectors(a, interrupted);

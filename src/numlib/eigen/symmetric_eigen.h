@@ -14,7 +14,7 @@ namespace vexa {
 // k's eigenvalue in values[k]; there are n values, in the order in which the iteration yields
 // them. Only the lower triangle of a is read. Elements that are not numbers give results that are
 // none, in the usual time. `interrupted` is asked in each outer step; when the outcome is
-// `interrupted` rather than `done`, a and values are unfinished. Work space of a few rows is
+// `interrupted` rather than `done`, a and values are unfinished. Work space of some 60 rows is
 // allocated inside.
 [[nodiscard]] Outcome eigenSymmetric(MatrixView a, std::span<double> values,
                                      const InterruptTest& interrupted = {},
