@@ -15,14 +15,15 @@ import tempfile
 from fractions import Fraction
 
 import calculus_peers
+import interpolation_peers
 import special_peers
 
 DATA = pathlib.Path(__file__).resolve().parent.parent / "data"
 
 # Each module has scipy_functions(), which gives for the name of an entry a function of a row's
 # arguments, and OCTAVE, which gives an expression in a1, a2, ... or a function that makes one from
-# the row's texts; OCTAVE_FUNCTIONS defines what the expressions call.
-FAMILIES = [special_peers, calculus_peers]
+# the row's texts; OCTAVE_FUNCTIONS defines what the expressions call. None passes over a row.
+FAMILIES = [special_peers, calculus_peers, interpolation_peers]
 
 
 def argument(text):
@@ -38,17 +39,20 @@ def scipy_values(function, rows):
         try:
             yield function(*map(argument, row[:-1]))
         except (ArithmeticError, ValueError, RuntimeError):
-            yield None
+            yield math.nan
 
 
 def octave_values(family, expression, rows):
     """The numbers that Octave prints, or None when it is not there."""
     program = "1; warning('off','all');" + family.OCTAVE_FUNCTIONS + "\n"
+    asked = []
     for *arguments, _ in rows:
+        value = expression if isinstance(expression, str) else expression(*arguments)
+        asked.append(value is not None)
         if isinstance(expression, str):
             program += "".join(f"a{k}={a};" for k, a in enumerate(arguments, start=1))
-        value = expression if isinstance(expression, str) else expression(*arguments)
-        program += f"try, v={value}; catch, v=NaN; end; printf('%.17g\\n',real(v));\n"
+        if value is not None:
+            program += f"try, v={value}; catch, v=NaN; end; printf('%.17g\\n',real(v));\n"
     with tempfile.NamedTemporaryFile("w", suffix=".m", encoding="ascii") as file:
         file.write(program)
         file.flush()
@@ -58,29 +62,30 @@ def octave_values(family, expression, rows):
         except FileNotFoundError:
             return None
     values = [float(line) for line in run.stdout.split()]
-    if len(values) != len(rows):
-        sys.exit(f"Octave gave {len(values)} values for {len(rows)} rows: {run.stderr}")
-    return values
+    if len(values) != sum(asked):
+        sys.exit(f"Octave gave {len(values)} values for {sum(asked)} rows: {run.stderr}")
+    found = iter(values)
+    return [next(found) if there else None for there in asked]
 
 
-def worst(rows, units, results):
-    """The worst error, and how many rows are off by more than ten units or have no value."""
-    largest, beyond = 0.0, 0
+def compared(rows, units, results):
+    """A cell: the worst error and how many rows are off by more than ten units or have no value."""
+    largest, beyond, count = 0.0, 0, 0
     for row, unit, result in zip(rows, units, results):
-        if result is None or not math.isfinite(result):
+        if result is None:
+            continue
+        count += 1
+        if not math.isfinite(result):
             beyond += 1
             continue
         error = abs(Fraction(float(result)) - Fraction(row[-1]))
         errors = float(error / Fraction(unit)) if error else 0.0
         largest = max(largest, errors)
         beyond += errors > 10
-    return largest, beyond
-
-
-def shown(result, rows):
-    error, beyond = result
-    text = f"{error:.2g}" if error < 100 else f"{error:.0e}"
-    return text + (f", {beyond} of {len(rows)} beyond 10" if beyond else "")
+    text = f"{largest:.2g}" if largest < 100 else f"{largest:.0e}"
+    if beyond:
+        return text + f", {beyond} of {count} beyond 10"
+    return text + (f", of {count}" if count < len(rows) else "")
 
 
 def peers(name, rows, units):
@@ -92,10 +97,10 @@ def peers(name, rows, units):
         except ImportError:
             function = None
         if function:
-            scipy = shown(worst(rows, units, scipy_values(function, rows)), rows)
+            scipy = compared(rows, units, scipy_values(function, rows))
         if name in family.OCTAVE:
             values = octave_values(family, family.OCTAVE[name], rows)
-            octave = "" if values is None else shown(worst(rows, units, values), rows)
+            octave = "" if values is None else compared(rows, units, values)
     return scipy, octave
 
 

@@ -16,6 +16,7 @@ void addFits(std::vector<AccuracyEntry>& table);
 void addSignificance(std::vector<AccuracyEntry>& table);
 void addEngineering(std::vector<AccuracyEntry>& table);
 void addFinance(std::vector<AccuracyEntry>& table);
+void addInterpolation(std::vector<AccuracyEntry>& table);
 
 using Arguments = const ReferenceRow&;
 

@@ -17,6 +17,7 @@ std::vector<AccuracyEntry> makeTable() {
   addSignificance(table);
   addEngineering(table);
   addFinance(table);
+  addInterpolation(table);
   return table;
 }
 
