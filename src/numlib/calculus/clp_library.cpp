@@ -21,7 +21,12 @@ bool findAll(void* library, ClpLibrary& clp) {
          find(library, "Clp_setDualTolerance", clp.setDualTolerance) &&
          find(library, "Clp_setMaximumIterations", clp.setMaximumIterations) &&
          find(library, "Clp_numberIterations", clp.numberIterations) &&
-         find(library, "Clp_primal", clp.primal) && find(library, "Clp_status", clp.status) &&
+         find(library, "Clp_chgRowLower", clp.changeRowLow) &&
+         find(library, "Clp_chgRowUpper", clp.changeRowHigh) &&
+         find(library, "Clp_chgColumnLower", clp.changeColumnLow) &&
+         find(library, "Clp_chgColumnUpper", clp.changeColumnHigh) &&
+         find(library, "Clp_primal", clp.primal) && find(library, "Clp_dual", clp.dual) &&
+         find(library, "Clp_status", clp.status) &&
          find(library, "Clp_primalColumnSolution", clp.columnSolution) &&
          find(library, "Clp_dualRowSolution", clp.rowPrices);
 }

@@ -20,7 +20,12 @@ struct ClpLibrary {
   void (*setDualTolerance)(ClpModel*, double tolerance);
   void (*setMaximumIterations)(ClpModel*, int count);
   int (*numberIterations)(ClpModel*);
+  void (*changeRowLow)(ClpModel*, const double* rowLow);
+  void (*changeRowHigh)(ClpModel*, const double* rowHigh);
+  void (*changeColumnLow)(ClpModel*, const double* columnLow);
+  void (*changeColumnHigh)(ClpModel*, const double* columnHigh);
   int (*primal)(ClpModel*, int valuesPass);
+  int (*dual)(ClpModel*, int valuesPass);
   int (*status)(ClpModel*);
   double* (*columnSolution)(ClpModel*);
   double* (*rowPrices)(ClpModel*);

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "numlib/calculus/clp_library.h"
+#include "numlib/calculus/scaled_program.h"
 
 namespace vexa {
 
@@ -15,95 +16,11 @@ namespace {
 // Iterations between two questions whether to stop.
 constexpr int slice = 500;
 constexpr double tolerance = 1e-10;
+// Of prices, once the basis is nearly right.
+constexpr double sharpTolerance = 1e-14;
 
 // What the library's status says.
 enum class ClpStatus { optimal = 0, infeasible = 1, unbounded = 2, stopped = 3 };
-
-// The exponent of the power of two just above the largest magnitude; 0 when all are 0.
-int exponentOf(std::span<const double> values) {
-  double largest = 0;
-  for (const double x : values)
-    if (std::isfinite(x)) largest = std::max(largest, std::fabs(x));
-  return largest > 0 ? std::ilogb(largest) + 1 : 0;
-}
-
-// The program with costs, rows and sides brought to magnitudes around 1, as the library takes it:
-// always a minimum, infinities as the largest number, the matrix by columns.
-class ScaledProgram {
- public:
-  explicit ScaledProgram(const LinearProgram& program) : m_program(program) {
-    scaleRows();
-    m_costExponent = exponentOf(program.c);
-    const double sign = program.objective == Objective::least ? 1.0 : -1.0;
-    for (const double c : program.c) m_costs.push_back(sign * std::ldexp(c, -m_costExponent));
-    scaleSides();
-    gatherColumns();
-  }
-
-  void load(const ClpLibrary& clp, ClpModel* model) const {
-    clp.loadProblem(model, m_program.a.cols, m_program.a.rows, m_starts.data(), m_indices.data(),
-                    m_values.data(), m_columnLow.data(), m_columnHigh.data(), m_costs.data(),
-                    m_rowLow.data(), m_rowHigh.data());
-  }
-
-  double unscaledX(double x) const { return std::ldexp(x, m_sideExponent); }
-  // Of row i, from 0.
-  double unscaledDual(double price, std::size_t i) const {
-    const double sign = m_program.objective == Objective::least ? 1.0 : -1.0;
-    const double dual = sign * std::ldexp(price, m_costExponent - m_rowExponents[i]);
-    return dual == 0 ? 0 : dual;
-  }
-
- private:
-  void scaleRows() {
-    for (int i = 0; i < m_program.a.rows; ++i)
-      m_rowExponents.push_back(
-          exponentOf({m_program.a.row(i), static_cast<std::size_t>(m_program.a.cols)}));
-  }
-
-  // Sides of rows and bounds of columns have one scale, that of x.
-  void scaleSides() {
-    std::vector<double> sides;
-    for (std::size_t i = 0; i < m_program.b.size(); ++i)
-      sides.push_back(std::ldexp(m_program.b[i], -m_rowExponents[i]));
-    std::vector<double> all = sides;
-    all.insert(all.end(), m_program.low.begin(), m_program.low.end());
-    all.insert(all.end(), m_program.high.begin(), m_program.high.end());
-    m_sideExponent = exponentOf(all);
-    for (std::size_t i = 0; i < sides.size(); ++i) {
-      const double side = std::ldexp(sides[i], -m_sideExponent);
-      m_rowLow.push_back(m_program.senses[i] == RowSense::below ? -DBL_MAX : side);
-      m_rowHigh.push_back(m_program.senses[i] == RowSense::above ? DBL_MAX : side);
-    }
-    for (const double low : m_program.low) m_columnLow.push_back(scaledBound(low));
-    for (const double high : m_program.high) m_columnHigh.push_back(scaledBound(high));
-  }
-
-  double scaledBound(double bound) const {
-    return std::isfinite(bound) ? std::ldexp(bound, -m_sideExponent)
-                                : std::copysign(DBL_MAX, bound);
-  }
-
-  void gatherColumns() {
-    const ConstMatrixView& a = m_program.a;
-    m_starts.push_back(0);
-    for (int j = 0; j < a.cols; ++j) {
-      for (int i = 0; i < a.rows; ++i) {
-        if (a(i, j) == 0) continue;
-        m_indices.push_back(i);
-        m_values.push_back(std::ldexp(a(i, j), -m_rowExponents[static_cast<std::size_t>(i)]));
-      }
-      m_starts.push_back(static_cast<int>(m_indices.size()));
-    }
-  }
-
-  const LinearProgram& m_program;
-  std::vector<int> m_rowExponents;
-  int m_costExponent = 0, m_sideExponent = 0;
-  std::vector<double> m_costs, m_rowLow, m_rowHigh, m_columnLow, m_columnHigh;
-  std::vector<int> m_starts, m_indices;
-  std::vector<double> m_values;
-};
 
 struct ModelDeleter {
   const ClpLibrary* clp;
@@ -111,45 +28,151 @@ struct ModelDeleter {
 };
 using Model = std::unique_ptr<ClpModel, ModelDeleter>;
 
-// Runs the simplex method in slices, so that the user is heard; each goes on from the basis that
-// the last one left.
-ProgramOutcome runSimplex(const ClpLibrary& clp, ClpModel* model, int mostIterations,
-                          const InterruptTest& interrupted) {
-  for (int allowed = 0;;) {
-    allowed += std::min(slice, mostIterations - allowed);
-    clp.setMaximumIterations(model, allowed);
-    clp.primal(model, 0);
-    switch (static_cast<ClpStatus>(clp.status(model))) {
-      case ClpStatus::optimal:
-        return ProgramOutcome::optimal;
-      case ClpStatus::infeasible:
-        return ProgramOutcome::infeasible;
-      case ClpStatus::unbounded:
-        return ProgramOutcome::unbounded;
-      case ClpStatus::stopped:
-        break;
-      default:
-        return ProgramOutcome::failed;
-    }
-    if (allowed >= mostIterations) return ProgramOutcome::tooManyIterations;
-    if (asksToStop(interrupted)) return ProgramOutcome::interrupted;
+// The simplex method on one program, within one budget of iterations.
+class Simplex {
+ public:
+  Simplex(const ClpLibrary& clp, const ScaledProgram& scaled, int mostIterations,
+          const InterruptTest& interrupted)
+      : m_clp(clp),
+        m_model(clp.newModel(), ModelDeleter{&clp}),
+        m_columns(scaled.costs().size()),
+        m_rows(scaled.sides().rowLow.size()),
+        m_left(mostIterations),
+        m_interrupted(interrupted) {
+    clp.setLogLevel(m_model.get(), 0);
+    const Numbers sides(scaled.sides());
+    clp.loadProblem(m_model.get(), scaled.cols(), scaled.rows(), scaled.starts().data(),
+                    scaled.indices().data(), scaled.values().data(), sides.columnLow.data(),
+                    sides.columnHigh.data(), scaled.costs().data(), sides.rowLow.data(),
+                    sides.rowHigh.data());
+    clp.setPrimalTolerance(m_model.get(), tolerance);
+    clp.setDualTolerance(m_model.get(), tolerance);
   }
+
+  // Where the primal method gives up, as it does for rows that contradict each other by little, the
+  // dual method decides.
+  ProgramOutcome run() {
+    const ProgramOutcome outcome = runSlices(m_clp.primal);
+    return outcome == ProgramOutcome::failed ? runSlices(m_clp.dual) : outcome;
+  }
+
+  // Goes on from the basis that the last run left.
+  ProgramOutcome runWith(const ScaledProgram::Sides& sides) {
+    const Numbers numbers(sides);
+    m_clp.setDualTolerance(m_model.get(), sharpTolerance);
+    m_clp.changeRowLow(m_model.get(), numbers.rowLow.data());
+    m_clp.changeRowHigh(m_model.get(), numbers.rowHigh.data());
+    m_clp.changeColumnLow(m_model.get(), numbers.columnLow.data());
+    m_clp.changeColumnHigh(m_model.get(), numbers.columnHigh.data());
+    return run();
+  }
+
+  std::span<const double> columnSolution() const {
+    return {m_clp.columnSolution(m_model.get()), m_columns};
+  }
+  std::span<const double> rowPrices() const { return {m_clp.rowPrices(m_model.get()), m_rows}; }
+
+ private:
+  // Sides with the library's infinity, the largest number.
+  struct Numbers : ScaledProgram::Sides {
+    explicit Numbers(const ScaledProgram::Sides& sides) : Sides(sides) {
+      for (std::vector<double>* part : {&rowLow, &rowHigh, &columnLow, &columnHigh})
+        for (double& x : *part) x = std::clamp(x, -DBL_MAX, DBL_MAX);
+    }
+  };
+
+  // In slices, so that the user is heard; each goes on from the basis that the last one left. The
+  // library counts its iterations anew in each.
+  ProgramOutcome runSlices(int (*method)(ClpModel*, int)) {
+    for (;;) {
+      m_clp.setMaximumIterations(m_model.get(), std::clamp(m_left, 1, slice));
+      method(m_model.get(), 0);
+      m_left -= m_clp.numberIterations(m_model.get());
+      switch (static_cast<ClpStatus>(m_clp.status(m_model.get()))) {
+        case ClpStatus::optimal:
+          return ProgramOutcome::optimal;
+        case ClpStatus::infeasible:
+          return ProgramOutcome::infeasible;
+        case ClpStatus::unbounded:
+          return ProgramOutcome::unbounded;
+        case ClpStatus::stopped:
+          break;
+        default:
+          return ProgramOutcome::failed;
+      }
+      if (m_left <= 0) return ProgramOutcome::tooManyIterations;
+      if (asksToStop(m_interrupted)) return ProgramOutcome::interrupted;
+    }
+  }
+
+  const ClpLibrary& m_clp;
+  Model m_model;
+  std::size_t m_columns, m_rows;
+  int m_left;
+  const InterruptTest& m_interrupted;
+};
+
+// An optimal point and the prices of the rows there, in scaled numbers.
+struct Optimum {
+  std::vector<long double> x;
+  std::vector<double> prices;
+};
+
+// Makes an optimum exact to the last digit: the program about its point, magnified, gives the
+// correction, since what lies below the library's tolerance here is far above it there (Gleixner,
+// Steffy and Wolter, INFORMS Journal on Computing 28, 2016; the primal side of it). Gives how the
+// last of the magnified programs ended.
+ProgramOutcome refine(Simplex& simplex, const ScaledProgram& scaled, Optimum& optimum) {
+  constexpr long double enough = 1e-16L;
+  for (const int exponent : {30, 45, 60}) {
+    const ProgramOutcome outcome = simplex.runWith(scaled.sidesAbout(optimum.x, exponent));
+    if (outcome != ProgramOutcome::optimal) return outcome;
+    const std::span<const double> correction = simplex.columnSolution();
+    for (std::size_t j = 0; j < correction.size(); ++j)
+      optimum.x[j] += std::ldexp(static_cast<long double>(correction[j]), -exponent);
+    scaled.clamp(optimum.x);
+    const std::span<const double> prices = simplex.rowPrices();
+    optimum.prices.assign(prices.begin(), prices.end());
+    if (scaled.excess(optimum.x) <= enough) break;
+  }
+  return ProgramOutcome::optimal;
 }
 
-void takeSolution(const ClpLibrary& clp, ClpModel* model, const ScaledProgram& scaled,
-                  const LinearProgram& program, ProgramSolution& solution) {
-  const double* x = clp.columnSolution(model);
-  const double* prices = clp.rowPrices(model);
+Optimum optimumOf(const Simplex& simplex, const ScaledProgram& scaled) {
+  const std::span<const double> x = simplex.columnSolution(), prices = simplex.rowPrices();
+  Optimum optimum{{x.begin(), x.end()}, {prices.begin(), prices.end()}};
+  scaled.clamp(optimum.x);
+  return optimum;
+}
+
+void takeSolution(const Optimum& optimum, const ScaledProgram& scaled, const LinearProgram& program,
+                  ProgramSolution& solution) {
   long double sum = 0;
-  for (std::size_t j = 0; j < program.c.size(); ++j) {
+  for (std::size_t j = 0; j < optimum.x.size(); ++j) {
     // Rounding must not put a value beyond its bounds.
-    const double value = std::clamp(scaled.unscaledX(x[j]), program.low[j], program.high[j]);
+    const double value = std::clamp(static_cast<double>(scaled.unscaledX(optimum.x[j], j)),
+                                    program.low[j], program.high[j]);
     solution.x.push_back(value == 0 ? 0 : value);
     sum += static_cast<long double>(program.c[j]) * value;
   }
-  for (std::size_t i = 0; i < program.b.size(); ++i)
-    solution.duals.push_back(scaled.unscaledDual(prices[i], i));
+  for (std::size_t i = 0; i < optimum.prices.size(); ++i)
+    solution.duals.push_back(scaled.unscaledDual(optimum.prices[i], i));
   solution.optimum = static_cast<double>(sum);
+}
+
+// Whether a point keeps to the sides within what is promised.
+bool keepsSides(const LinearProgram& program, std::span<const double> x) {
+  constexpr double allowed = 1e-9;
+  for (int i = 0; i < program.a.rows; ++i) {
+    const auto row = static_cast<std::size_t>(i);
+    long double beyond = -program.b[row];
+    for (std::size_t j = 0; j < x.size(); ++j)
+      beyond += static_cast<long double>(program.a.row(i)[j]) * x[j];
+    if (program.senses[row] == RowSense::equal) beyond = std::fabs(beyond);
+    if (program.senses[row] == RowSense::above) beyond = -beyond;
+    if (beyond > allowed * std::max(1.0, std::fabs(program.b[row]))) return false;
+  }
+  return true;
 }
 
 }  // namespace
@@ -163,14 +186,17 @@ ProgramSolution solveLinearProgram(const LinearProgram& program, int mostIterati
     return solution;
   }
   const ScaledProgram scaled(program);
-  const Model model(clp->newModel(), ModelDeleter{clp});
-  clp->setLogLevel(model.get(), 0);
-  scaled.load(*clp, model.get());
-  clp->setPrimalTolerance(model.get(), tolerance);
-  clp->setDualTolerance(model.get(), tolerance);
-  solution.outcome = runSimplex(*clp, model.get(), mostIterations, interrupted);
-  if (solution.outcome == ProgramOutcome::optimal)
-    takeSolution(*clp, model.get(), scaled, program, solution);
+  Simplex simplex(*clp, scaled, mostIterations, interrupted);
+  solution.outcome = simplex.run();
+  if (solution.outcome == ProgramOutcome::optimal && scaled.hasFreeGain())
+    solution.outcome = ProgramOutcome::unbounded;
+  if (solution.outcome != ProgramOutcome::optimal) return solution;
+  Optimum optimum = optimumOf(simplex, scaled);
+  const ProgramOutcome refined = refine(simplex, scaled, optimum);
+  takeSolution(optimum, scaled, program, solution);
+  // Rows may contradict each other by less than the library sees.
+  if (refined == ProgramOutcome::infeasible && !keepsSides(program, solution.x))
+    solution = {.outcome = ProgramOutcome::infeasible, .optimum = 0, .x = {}, .duals = {}};
   return solution;
 }
 

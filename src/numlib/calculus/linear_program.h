@@ -2,8 +2,8 @@
 // above b, and x between bounds.
 //
 // The simplex method is that of Clp, reached through its C interface and opened when the first
-// program is solved. Rows, costs and sides are scaled by powers of two first, since the library's
-// tolerances are absolute: left alone, it takes rows that contradict each other by 1e-9.
+// program is solved. Its tolerances are absolute, so rows, columns, costs and sides are scaled by
+// powers of two first, and what it finds is refined until rows and bounds hold to the last digit.
 #pragma once
 
 #include <span>

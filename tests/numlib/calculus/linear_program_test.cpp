@@ -93,6 +93,21 @@ TEST_F(LinearProgramTest, KnownOptima) {
       {"rows of 1e-9 and 1e9",
        {Objective::least, {1}, {1e-9, 1e9}, {4e-9, 1e9}, {above, above}},
        4},
+      {"sides of 1e-4 and 1e9",
+       {Objective::least, {1, 1}, {1, 0, 0, 1}, {1e-4, 1e9}, {above, above}},
+       1e9 + 1e-4},
+      {"sides of 1 and 1e30",
+       {Objective::greatest, {1, 1}, {1, 0, 0, 1}, {1, 1e30}, {below, below}},
+       1e30},
+      {"costs of 1 and 1e-11",
+       {Objective::greatest, {1, 1e-11}, {1, 0, 0, 1}, {1, 1e12}, {below, below}},
+       11},
+      {"elements of 1e15 and 1e-15",
+       {Objective::least, {1e20, 1e-20}, {1e15, 1e-15}, {1}, {above}},
+       1e-5},
+      {"a column of zeros at its bound",
+       {Objective::least, {1, -1}, {1, 0}, {2}, {above}, {0, 0}, {none, 3}},
+       -1},
       {"no costs", {Objective::least, {0}, {1}, {5}, {above}}, 0},
       {"a row of zeros", {Objective::greatest, {1}, {0, 1}, {0, 3}, {equal, below}}, 3},
   };
@@ -111,6 +126,14 @@ TEST_F(LinearProgramTest, NoOptimum) {
   const Program tiny{Objective::least, {1}, {1e-9, 1e-9}, {1e-9, 2e-9}, {below, above}};
   EXPECT_EQ(tiny.solve().outcome, ProgramOutcome::infeasible)
       << "the library's tolerance is larger";
+  for (const double gap : {1e-1, 1e-3, 1e-5, 1e-8}) {
+    const Program near{Objective::least, {1, 1}, {1, 1, 1, 1}, {4, 4 + gap}, {equal, equal}};
+    EXPECT_EQ(near.solve().outcome, ProgramOutcome::infeasible) << gap;
+  }
+  const Program openColumn{Objective::least, {3, 0, -3, -4, -5}, {-3, 3, 3, 0, 3}, {6}, {equal}};
+  EXPECT_EQ(openColumn.solve().outcome, ProgramOutcome::unbounded);
+  const Program emptyAndOpen{Objective::least, {1, -1}, {1, 0}, {-2}, {equal}};
+  EXPECT_EQ(emptyAndOpen.solve().outcome, ProgramOutcome::infeasible);
   const Program ray{Objective::greatest, {1, 1}, {1, -1}, {1}, {below}};
   EXPECT_EQ(ray.solve().outcome, ProgramOutcome::unbounded);
 }
@@ -151,11 +174,13 @@ TEST_F(LinearProgramTest, DualsProveTheOptimum) {
 TEST_F(LinearProgramTest, IterationsAreBounded) {
   std::mt19937 generator(61);
   std::uniform_real_distribution<double> any(0.1, 1);
-  constexpr std::size_t m = 40, n = 40;
+  constexpr std::size_t m = 900, n = 900;
   Program p{Objective::greatest, Numbers(n), Numbers(m * n), Numbers(m, 1.0), Senses(m, below)};
   for (double& c : p.c) c = any(generator);
-  for (double& a : p.a) a = any(generator);
+  for (std::size_t k = 0; k < m * n; k += 1 + generator() % 200) p.a[k] = any(generator);
+  p.high.assign(n, 1.0);
   EXPECT_EQ(p.solve(1).outcome, ProgramOutcome::tooManyIterations);
+  EXPECT_EQ(p.solve(1100).outcome, ProgramOutcome::tooManyIterations) << "in several slices";
   EXPECT_EQ(p.solve(5000).outcome, ProgramOutcome::optimal);
 }
 
