@@ -39,11 +39,11 @@ int writeDirectly(const std::string& path, std::string_view bytes) {
 // A file beside the target that is gone again unless it was put in the target's place.
 class TemporaryFile {
  public:
-  explicit TemporaryFile(const std::string& target) : m_path(folderOf(target) + "/.vexa-XXXXXX") {
-    m_file = ::mkostemp(m_path.data(), O_CLOEXEC);
-    if (m_file < 0) m_error = errno;
-    m_exists = m_file >= 0;
-  }
+  explicit TemporaryFile(const std::string& target)
+      : m_path(folderOf(target) + "/.vexa-XXXXXX"),
+        m_file(::mkostemp(m_path.data(), O_CLOEXEC)),
+        m_error(m_file < 0 ? errno : 0),
+        m_exists(m_file >= 0) {}
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
   ~TemporaryFile() {

@@ -30,7 +30,7 @@ struct Argument {
 // arguments are evaluated and the function runs; temporaries live until the call has ended.
 class ArgumentList {
  public:
-  ArgumentList() : m_count(0) {}
+  ArgumentList() = default;
   ArgumentList(const ArgumentList&) = delete;
   ArgumentList& operator=(const ArgumentList&) = delete;
   ~ArgumentList() {
@@ -59,7 +59,7 @@ class ArgumentList {
 
  private:
   static std::size_t index(int i) { return static_cast<std::size_t>(i); }
-  int m_count;
+  int m_count = 0;
   std::array<Argument, argumentLimit> m_items;  // filled as far as m_count
 };
 

@@ -18,7 +18,7 @@ inline constexpr int maxLineCount = 99999;
 // not loaded. Null when memory cannot be had or there are too many lines.
 std::shared_ptr<const std::string> prepareProgramText(const TextDocument& document);
 // A calculator's line as text: line ends become carriage returns, ";" is appended.
-std::shared_ptr<const std::string> prepareTypedText(std::string_view text);
+std::shared_ptr<const std::string> prepareTypedText(std::string_view typed);
 
 // The line of a position in any prepared text, or -1 where there is none (typed text, null).
 int lineOfPosition(const char* position);

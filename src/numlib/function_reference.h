@@ -16,6 +16,8 @@ class FunctionReference;
 template <class Result, class... Arguments>
 class FunctionReference<Result(Arguments...)> {
  public:
+  // The copy is not hidden, and what is called keeps its constness in F.
+  // NOLINTBEGIN(bugprone-forwarding-reference-overload,cppcoreguidelines-pro-type-const-cast)
   template <class F>
   requires(!std::same_as<std::remove_cvref_t<F>, FunctionReference> &&
            std::is_invocable_r_v<Result, F&, Arguments...>) FunctionReference(F&& function)
@@ -24,6 +26,7 @@ class FunctionReference<Result(Arguments...)> {
           return (*static_cast<std::remove_reference_t<F>*>(object))(
               std::forward<Arguments>(arguments)...);
         }) {}
+  // NOLINTEND(bugprone-forwarding-reference-overload,cppcoreguidelines-pro-type-const-cast)
 
   Result operator()(Arguments... arguments) const {
     return m_call(m_function, std::forward<Arguments>(arguments)...);

@@ -26,10 +26,8 @@ std::size_t formatDefault(std::span<char> out, double x);
 // The room that formatGeneral needs for a precision and a width, as given to it.
 constexpr std::size_t generalNumberSize(int precision, int width) {
   // Sign, point, four leading zeros ("0.0001") or "e-308" beside the digits: 7 bytes at most.
-  const std::size_t digits = static_cast<std::size_t>(precision < 0    ? 6
-                                                      : precision == 0 ? 1
-                                                                       : precision);
-  const std::size_t padded = static_cast<std::size_t>(width < 0 ? 0 : width);
+  const auto digits = static_cast<std::size_t>(precision < 0 ? 6 : precision == 0 ? 1 : precision);
+  const auto padded = static_cast<std::size_t>(width < 0 ? 0 : width);
   return digits + 7 > padded ? digits + 7 : padded;
 }
 

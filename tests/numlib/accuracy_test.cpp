@@ -3,11 +3,16 @@
 
 #include <algorithm>
 #include <cctype>
+#include <ostream>
 #include <string>
 
 #include "support/accuracy_table.h"
 
 namespace vexa {
+
+// For the names of the tests in reports.
+static void PrintTo(const AccuracyEntry& entry, std::ostream* out) { *out << entry.name; }
+
 namespace {
 
 class AccuracyTest : public ::testing::TestWithParam<AccuracyEntry> {};

@@ -6,6 +6,7 @@
 #include <initializer_list>
 #include <limits>
 #include <numbers>
+#include <utility>
 
 #include "graphics/surfaces/drawn_text.h"
 
@@ -194,8 +195,8 @@ void putFont(std::string& bytes, const FontDescription& font) {
 
 }  // namespace
 
-MetafileSurface::MetafileSurface(const PicturePage& page, std::string_view description)
-    : m_page(page), m_description(description) {}
+MetafileSurface::MetafileSurface(const PicturePage& page, std::string description)
+    : m_page(page), m_description(std::move(description)) {}
 
 std::optional<std::string> MetafileSurface::document() const {
   return framed({0, 0, m_page.width - 1, m_page.height - 1});
@@ -479,9 +480,9 @@ void MetafileSurface::text(Point corner, std::string_view bytes) {
   putWord(m_records, textPlace);
   putWord(m_records, noTextRectangle);
   putRect(m_records, {0, 0, -1, -1});
-  putWord(m_records, textPlace + (2 * count + 3) / 4 * 4);
+  putWord(m_records, textPlace + (count + 1) / 2 * 4);
   putUnits(m_records, units);
-  m_records.append(count % 2 * 2, '\0');
+  if (count % 2 != 0) m_records.append(2, '\0');
   putAdvances(characters);
 }
 

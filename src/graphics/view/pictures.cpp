@@ -8,7 +8,7 @@ namespace vexa {
 
 namespace {
 
-constexpr std::string_view metafileDescription = "CopyDrawing";
+constexpr const char* metafileDescription = "CopyDrawing";
 
 }  // namespace
 

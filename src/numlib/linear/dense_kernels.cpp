@@ -209,7 +209,7 @@ class OwnKernels final : public DenseKernels {
 bool& blasAllowed() {
   static bool allowed = [] {
     // Read once, before any thread of ours could exist.
-    const char* const setting = std::getenv("VEXA_BLAS");  // NOLINT(concurrency-mt-unsafe)
+    const char* const setting = std::getenv("VEXA_BLAS");
     return !setting || std::strcmp(setting, "off") != 0;
   }();
   return allowed;
