@@ -79,11 +79,12 @@ double finish(const LinearFit& fit, const FitArguments& arguments) {
     case FitOutcome::done:
       break;
   }
+  const bool wantsCovariance = !arguments.covariance.empty();
   if (!requireFinite(fit.coefficients) || !requireFinite({&fit.deviation, 1}) ||
-      !requireFinite(fit.covariance))
+      (wantsCovariance && !requireFinite(fit.covariance)))
     return 0.0;
   storeRow(arguments.coefficients, fit.coefficients);
-  if (!arguments.covariance.empty()) {
+  if (wantsCovariance) {
     const auto k = static_cast<int>(fit.coefficients.size());
     const std::vector<double> none(fit.coefficients.size() * fit.coefficients.size(),
                                    presetValue("i#"));
