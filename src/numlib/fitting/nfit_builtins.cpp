@@ -24,6 +24,19 @@ std::vector<double> copied(DataArgument& argument) {
   return {elements.begin(), elements.end()};
 }
 
+// Leaves out the points of weight 0.
+void dropUnweighted(FitData& data) {
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < data.weights.size(); ++i) {
+    if (data.weights[i] == 0) continue;
+    data.x[kept] = data.x[i];
+    data.y[kept] = data.y[i];
+    data.weights[kept++] = data.weights[i];
+  }
+  if (data.weights.empty()) return;
+  for (std::vector<double>* part : {&data.x, &data.y, &data.weights}) part->resize(kept);
+}
+
 // Neither negative nor all 0, otherwise key 34.
 void requireWeights(std::span<const double> weights) {
   const bool usable =
@@ -74,10 +87,11 @@ FitData checkValues(NfitArguments& arguments) {
   FitData data{copied(arguments.x), copied(arguments.y), {}};
   if (arguments.weights.matrix()) data.weights = copied(arguments.weights);
   if (arguments.row.size() > mostParameters) raiseError(ErrorKey::invalidData);
-  if (data.x.size() < arguments.row.start().size()) refuse("Too few data points");
   requireWeights(data.weights);
   requireFinite(data.x);
   requireFinite(data.y);
+  dropUnweighted(data);
+  if (data.x.size() < arguments.row.start().size()) refuse("Too few data points");
   requireFinite(arguments.row.start());
   return data;
 }
