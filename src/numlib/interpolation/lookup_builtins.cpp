@@ -21,10 +21,14 @@ struct Request {
 };
 
 // Whether a matrix name follows that stands for a matrix, a row or a column and is not the last
-// argument; it stays unread.
+// argument, or the mark of absolute values; it stays unread.
 bool entriesFollow() {
   const Scanner& scanner = interpreter().scanner;
   getToken();
+  if (scanner.operatorCode() == OP_OR) {
+    rescanToken();
+    return true;
+  }
   const bool matrix = scanner.tokenType == TOKEN_NAME && findMatrix(scanner.tokenText);
   const char next = nextCharacter();
   rescanToken();
@@ -74,8 +78,8 @@ double lookupBuiltin() {
     if (!requireFinite(arguments)) return 0.0;
     const std::size_t place = placeInTable(x, arguments[0]);
     if (!request.givesEntry) return static_cast<double>(place);
-    if (place > 0) return y[place - 1];
-    return refuse("lookup> value lies before the table");
+    if (place == 0) return refuse("lookup> value lies before the table");
+    return requireFinite({&y[place - 1], 1}) ? y[place - 1] : 0.0;
   });
 }
 
