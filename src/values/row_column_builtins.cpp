@@ -39,11 +39,13 @@ std::unique_ptr<Matrix> makeLike(const Matrix& m, std::int64_t lineCount, Lines 
   return lines == Lines::rows ? newMatrix(count, m.cols()) : newMatrix(m.rows(), count);
 }
 
-// A number of lines, at least 1.
+// A number of lines, at least 1; more than a matrix can have stay more than that.
 int lineNumber(double x) {
-  const int n = truncateIndex(x, ErrorKey::invalidData);
-  if (n < 1) raiseError(ErrorKey::invalidData);
-  return std::max(n, 1);
+  constexpr int most = std::numeric_limits<int>::max();
+  if (x >= most) return most;
+  if (x >= 1) return static_cast<int>(x);
+  raiseError(ErrorKey::invalidData);
+  return 1;
 }
 
 void deleteLines(Matrix& m, int first, int n, Lines lines) {
@@ -124,15 +126,16 @@ double rowColumnBuiltin() {
   if (m.temporary()) raiseError(ErrorKey::matrixNameExpected);
   expectChar(',');
   const int first = truncateIndex(evalScalarArg(), ErrorKey::indexOutOfRange);
-  int n = 1;
+  double count = 1;
   MatrixArgument x;
   if (moreArguments()) {
     if (inserts && matrixFollows())
       x = readMatrix();
     else
-      n = lineNumber(evalScalarArg());
+      count = evalScalarArg();
     expectChar(')');
   }
+  const int n = lineNumber(count);
   if (inserts)
     insertLines(*m, first, n, x.get(), lines);
   else
