@@ -19,6 +19,7 @@ InterpreterState::~InterpreterState() {
 InterpreterScope::InterpreterScope(Shell& front)
     : m_previous(detail::current), m_state(std::make_unique<InterpreterState>(front)) {
   detail::current = m_state.get();
+  m_state->runStartTime = front.clock();  // for the calculator before any run
 }
 
 InterpreterScope::~InterpreterScope() {

@@ -23,6 +23,7 @@ class EvalTest(CommandLineTest):
                 ("1; exec({ end; }); 2", "           1\n"),
                 ("1 // comment", "           1\n"),
                 ("1 +\n2", "           3\n"),
+                ("t#() < 60", "           1\n"),
                 ("-2+3", "           1\n"), ("-x", None), ("--5", None)):
             with self.subTest(expression):
                 done = self.vexa("eval", expression)
