@@ -12,6 +12,9 @@ namespace {
 
 constexpr int pieces = 32;
 constexpr int halfOfTheBits = 26;
+constexpr int refinements = 3;
+constexpr double firstSpread = 0x1p-14;  // of the bracket
+constexpr double usefulBend = 1e-8;      // of the value
 
 // From a to b with both ends exact and no overflow between.
 double sampleAt(double a, double b, int i) {
@@ -41,6 +44,24 @@ Samples takeSamples(RealFunction f, double a, double b) {
   return samples;
 }
 
+// Brent's method leaves half of the digits of the bracket's length to be told, which is too little
+// where f bends sharply: the vertex of a parabola through values that lie further apart, but not so
+// far that f is none, brings the rest.
+Extremum refine(RealFunction f, Extremum found, double low, double high) {
+  double h = (high - low) * firstSpread;
+  for (int round = 0; round < refinements; ++round) {
+    if (!(found.x - h > low && found.x + h < high)) break;
+    const double left = f(found.x - h), right = f(found.x + h);
+    const double bend = (left - found.value) + (right - found.value);
+    if (!(bend > 0 && std::isfinite(bend))) break;
+    const double x = found.x + std::clamp(h / 2 * (left - right) / bend, -h, h);
+    const double value = f(x);
+    if (value < found.value) found = {x, value};
+    h *= std::clamp(std::sqrt(usefulBend * std::fabs(value) / bend), 1e-3, 1.0);
+  }
+  return found;
+}
+
 }  // namespace
 
 std::optional<Extremum> findMinimum(RealFunction f, double a, double b, int maxSteps) {
@@ -58,15 +79,16 @@ std::optional<Extremum> findMinimum(RealFunction f, double a, double b, int maxS
     const double value = f(x);
     return std::isfinite(value) ? value : samples.worst;
   };
+  // The library's tolerance has an absolute part, so it gets the bracket as a part of -1 to 1.
+  const double middle = result.x, length = std::max(high - middle, middle - low);
+  const auto placeOf = [=](double u) { return std::clamp(middle + u * length, low, high); };
   const auto bound = static_cast<std::uintmax_t>(std::max(maxSteps, 1));
   std::uintmax_t steps = bound;
-  const auto [x, value] =
-      boost::math::tools::brent_find_minima(finite, low, high, halfOfTheBits, steps);
+  const auto [u, value] = boost::math::tools::brent_find_minima(
+      [&](double at) { return finite(placeOf(at)); }, (low - middle) / length,
+      (high - middle) / length, halfOfTheBits, steps);
+  if (value < result.value) result = refine(finite, {placeOf(u), value}, low, high);
   result.reached = steps < bound;
-  if (value < result.value) {
-    result.x = x;
-    result.value = value;
-  }
   return result;
 }
 

@@ -14,11 +14,13 @@ struct Extremum {
 };
 
 // Where f is least between a and b, ends included, in either order: 33 equally spaced samples, the
-// first from a on, and Brent's method between the neighbours of the best, at most `maxSteps`. A
-// sample wins unless something between is lower, and of equal samples the first. Values that are
-// not finite count as the worst; when all samples are so there is no result.
+// first from a on, Brent's method between the neighbours of the best, at most `maxSteps`, and at
+// last parabolas of a width that suits f. A sample wins unless something between is lower, and of
+// equal samples the first. Values that are not finite count as the worst; when all samples are so
+// there is no result.
 //
-// The abscissa is good to about 1e-8 of its size, which is all that the values tell.
+// The value of a smooth f is good to a few roundings, the abscissa to about 1e-8 of the length on
+// which f changes, which is all that the values tell.
 std::optional<Extremum> findMinimum(RealFunction f, double a, double b, int maxSteps);
 
 }  // namespace vexa
