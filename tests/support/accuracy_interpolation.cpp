@@ -31,7 +31,7 @@ double one(const ReferenceRow&) { return 1; }
 
 // Units of rows that hold their size.
 template <std::size_t Place>
-double sizeOf(const ReferenceRow& row) {
+double storedSize(const ReferenceRow& row) {
   return 1e-13 * row[Place];
 }
 
@@ -141,11 +141,12 @@ void addInterpolation(std::vector<AccuracyEntry>& table) {
        {"poly, derivative", "interpolation/poly_slope.csv", 1, "2^-52 sum|kc x^(k-1)|",
         roundingOfSlope,
         [](Arguments v) { return evaluatePolynomial(dataOf(v, 1), v[0]).derivative; }},
-       {"polycoe", "interpolation/polycoe.csv", 1, "1e-13 max|c|", sizeOf<1>, coefficientThrough},
+       {"polycoe", "interpolation/polycoe.csv", 1, "1e-13 max|c|", storedSize<1>,
+        coefficientThrough},
        {"polycoe, residual", "interpolation/polycoe_residual.csv", 4, "n 2^-53 sum|c x^k|", one,
         worstMissOfPoints},
-       {"spline", "interpolation/spline.csv", 1, "1e-13 max|m|", sizeOf<4>, splineMoment},
-       {"splint", "interpolation/splint.csv", 1, "1e-13 max", sizeOf<5>, splineQuantity},
+       {"spline", "interpolation/spline.csv", 1, "1e-13 max|m|", storedSize<4>, splineMoment},
+       {"splint", "interpolation/splint.csv", 1, "1e-13 max", storedSize<5>, splineQuantity},
        {"movingaverage", "interpolation/movingaverage.csv", 1, "2^-52 mean|y|", roundingOfMean,
         meanOfWindow}});
 }
