@@ -50,13 +50,14 @@ struct RecordHead {
 };
 
 // The name in a block, or false: it must end within its place and be one that a program could
-// write, or a companion's, which begins with "#".
+// write, or a companion's: "#" and a byte of any value.
 bool readName(const NameBlock& block, std::string& name) {
   const auto* const end = std::find(block.begin(), block.begin() + stateByte, '\0');
   if (end == block.begin() + stateByte) return false;
   name.assign(block.begin(), end);
+  if (name.size() == 2 && name[0] == '#') return true;
   return std::ranges::all_of(name, [](char c) { return isCharacter(c, charNamePart); }) &&
-         (name.empty() || !isCharacter(name[0], charDigit));
+         (name.empty() || isCharacter(name[0], charLetter));
 }
 
 bool readHead(BinaryFile& file, RecordHead& head) {
@@ -64,7 +65,7 @@ bool readHead(BinaryFile& file, RecordHead& head) {
   if (!file.readBytes(block) || !file.readInteger(head.rows) || !file.readInteger(head.cols))
     return false;
   head.flags = block[matrixFlagsByte];
-  return readName(block, head.name);
+  return readName(block, head.name) && !(head.isFloat() && head.name.starts_with('#'));
 }
 
 // Bytes behind the head, or nothing when the orders are senseless or beyond the file.
