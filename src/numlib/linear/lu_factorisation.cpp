@@ -44,10 +44,39 @@ class Factorisation {
       if (largest == 0.0) return Outcome::singular;
       m_scale[size(i)] = 1.0 / largest;
     }
-    return factorColumns(0, m_a.rows);
+    return m_useKernels ? factorColumns(0, m_a.rows) : factorLeafByLeaf();
   }
 
  private:
+  // No column is touched before its turn, so that a singular matrix is left as the column-by-column
+  // form leaves it.
+  Outcome factorLeafByLeaf() {
+    const int n = m_a.rows;
+    std::vector<double> untouched(size(n) * size(kLeaf));
+    for (int first = 0; first < n; first += kLeaf) {
+      const int last = std::min(first + kLeaf, n);
+      for (int i = 0; i < n; ++i)
+        std::copy(m_a.row(i) + first, m_a.row(i) + last, untouched.begin() + i * kLeaf);
+      update(0, first, last);
+      const Outcome outcome = eliminateColumns(first, last);
+      if (outcome == Outcome::singular) restoreBehindFailure(first, last, untouched);
+      if (outcome != Outcome::done) return outcome;
+    }
+    return Outcome::done;
+  }
+
+  void restoreBehindFailure(int first, int last, std::span<double> untouched) {
+    for (int j = first; j <= m_failedColumn; ++j) {
+      const auto row = [&](int i) { return untouched.begin() + i * kLeaf; };
+      if (m_pivots[j] != j) std::swap_ranges(row(j), row(j) + kLeaf, row(m_pivots[j]));
+    }
+    for (int i = 0; i < m_a.rows; ++i) {
+      const double* const kept = untouched.data() + i * kLeaf;
+      std::copy(kept + (m_failedColumn + 1 - first), kept + (last - first),
+                m_a.row(i) + m_failedColumn + 1);
+    }
+  }
+
   // Columns first to last - 1, which all earlier columns have updated.
   Outcome factorColumns(int first, int last) {
     if (last - first <= kLeaf) return eliminateColumns(first, last);
@@ -78,7 +107,10 @@ class Factorisation {
         m_sign = -m_sign;
       }
       m_pivots.set(j, pivotRow);
-      if (std::fabs(m_a(j, j)) < m_tolerance) return Outcome::singular;
+      if (std::fabs(m_a(j, j)) < m_tolerance) {
+        m_failedColumn = j;
+        return Outcome::singular;
+      }
       if (j + 1 < n) {
         vectors.exactEliminate(m_a.row(j + 1) + j, n, n - 1 - j, 1.0 / m_a(j, j), m_a.row(j) + j,
                                size(last - j));
@@ -123,6 +155,7 @@ class Factorisation {
   const InterruptTest& m_interrupted;
   bool m_useKernels;
   Provider m_provider;
+  int m_failedColumn = 0;
 };
 
 // The same operations on all columns of x that luSolve does on one.

@@ -18,7 +18,8 @@ namespace vexa {
 // to its row's largest element, the last of equals. pivots[j] becomes the row, counted from 0, that
 // changed places with row j; sign becomes -1 after an odd number of exchanges. Singular when a row
 // holds only zeros or a pivot is below tolerance in magnitude; a is left partly factorised then.
-// scale has n elements. From kernelOrder on the dense kernels do the bulk.
+// Below kernelOrder that means the columns up to the failing one, and those behind it have only
+// followed the exchanges. scale has n elements. From kernelOrder on the dense kernels do the bulk.
 [[nodiscard]] Outcome luFactor(MatrixView a, PivotList pivots, std::span<double> scale,
                                double tolerance, double& sign,
                                const InterruptTest& interrupted = {});
