@@ -1,7 +1,10 @@
 #include "numlib/linear/vector_kernels.h"
 
+#include <array>
 #include <cstdint>
 #include <cstring>
+
+#include "numlib/processor_vectors.h"
 
 #if defined(__x86_64__)
 #include <immintrin.h>
@@ -126,33 +129,20 @@ inline void storePart(double* at, Part part, V v) { _mm512_mask_storeu_pd(at, pa
 
 #endif  // WIDE_VECTORS
 
+constexpr auto allKernels = std::to_array<const VectorKernels*>({
+  &plain::kernels,
+#if WIDE_VECTORS
+      &avx2::kernels, &avx512::kernels,
+#endif
+});
+
 }  // namespace
 
-const VectorKernels* vectorKernelsOfWidth(int width) {
-  switch (width) {
-    case 0:
-      return &plain::kernels;
-#if WIDE_VECTORS
-    case 1:
-      return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma") ? &avx2::kernels
-                                                                             : nullptr;
-    case 2:
-      return __builtin_cpu_supports("avx512f") ? &avx512::kernels : nullptr;
-#endif
-    default:
-      return nullptr;
-  }
-}
+const VectorKernels* vectorKernelsOfWidth(int width) { return loopsOfWidth(allKernels, width); }
 
 const VectorKernels& vectorKernels() {
-  static const VectorKernels* const best = [] {
-    const VectorKernels* widest = &plain::kernels;
-    for (int width = 1; width <= 2; ++width) {
-      if (const VectorKernels* wider = vectorKernelsOfWidth(width)) widest = wider;
-    }
-    return widest;
-  }();
-  return *best;
+  static const VectorKernels& best = widestLoops(allKernels);
+  return best;
 }
 
 }  // namespace vexa

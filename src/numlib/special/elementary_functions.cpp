@@ -1,11 +1,14 @@
 #include "numlib/special/elementary_functions.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstdint>
 #include <limits>
 #include <numbers>
+
+#include "numlib/processor_vectors.h"
 
 namespace vexa {
 
@@ -63,6 +66,13 @@ namespace avx512 {
 
 #endif
 
+constexpr auto allLoops = std::to_array<const ElementaryLoops*>({
+  &plain::loops,
+#if defined(__x86_64__)
+      &avx2::loops, &avx512::loops,
+#endif
+});
+
 }  // namespace
 
 double sine(double x) { return plain::valueOf<plain::Sine>(x); }
@@ -70,30 +80,11 @@ double cosine(double x) { return plain::valueOf<plain::Cosine>(x); }
 double exponential(double x) { return plain::valueOf<plain::Exponential>(x); }
 double naturalLogarithm(double x) { return plain::valueOf<plain::NaturalLogarithm>(x); }
 
-const ElementaryLoops* elementaryLoopsOfWidth(int width) {
-  switch (width) {
-    case 0:
-      return &plain::loops;
-#if defined(__x86_64__)
-    case 1:
-      return __builtin_cpu_supports("avx2") ? &avx2::loops : nullptr;
-    case 2:
-      return __builtin_cpu_supports("avx512f") ? &avx512::loops : nullptr;
-#endif
-    default:
-      return nullptr;
-  }
-}
+const ElementaryLoops* elementaryLoopsOfWidth(int width) { return loopsOfWidth(allLoops, width); }
 
 const ElementaryLoops& elementaryLoops() {
-  static const ElementaryLoops* const best = [] {
-    const ElementaryLoops* widest = &plain::loops;
-    for (int width = 1; width <= 2; ++width) {
-      if (const ElementaryLoops* wider = elementaryLoopsOfWidth(width)) widest = wider;
-    }
-    return widest;
-  }();
-  return *best;
+  static const ElementaryLoops& best = widestLoops(allLoops);
+  return best;
 }
 
 }  // namespace vexa
