@@ -43,16 +43,16 @@ std::optional<double> searchRate(const WorthAtRate& worth, double guess) {
     const long double u = middle + step * stepWidth;
     return Sample{u, worth(u)};
   };
-  Sample low = sample(0);
-  if (low.worth == 0) return guess;
-  Sample high = low;
+  Sample left = sample(0);
+  if (left.worth == 0) return guess;
+  Sample right = left;
   for (int k = 1; k <= stepsToEachSide; ++k) {
-    const Sample lower = sample(-k);
-    if (const auto rate = zeroBetween(worth, lower, low)) return rate;
-    low = lower;
-    const Sample higher = sample(k);
-    if (const auto rate = zeroBetween(worth, high, higher)) return rate;
-    high = higher;
+    const Sample before = sample(-k);
+    if (const auto rate = zeroBetween(worth, before, left)) return rate;
+    left = before;
+    const Sample behind = sample(k);
+    if (const auto rate = zeroBetween(worth, right, behind)) return rate;
+    right = behind;
   }
   return std::nullopt;
 }
