@@ -5,17 +5,29 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <cstdlib>
 #include <system_error>
 #include <thread>
 
 namespace vexa {
+
+namespace {
+
+// A list of numbers, of which the first counts; whatever else there is bounds nothing.
+int threadsAllowed() {
+  const char* const setting = std::getenv("OMP_NUM_THREADS");
+  const long number = setting ? std::strtol(setting, nullptr, 10) : 0;
+  return number > 0 && number < mostLoopThreads ? static_cast<int>(number) : mostLoopThreads;
+}
+
+}  // namespace
 
 int loopThreads() {
   static const int threads = [] {
     cpu_set_t ours;
     CPU_ZERO(&ours);
     if (sched_getaffinity(0, sizeof ours, &ours) != 0) return 1;
-    return std::clamp(CPU_COUNT(&ours), 1, mostLoopThreads);
+    return std::clamp(CPU_COUNT(&ours), 1, threadsAllowed());
   }();
   return threads;
 }

@@ -6,7 +6,8 @@
 namespace vexa {
 
 // Threads that a loop may use: the processors that this process may run on, at most
-// mostLoopThreads.
+// mostLoopThreads, and at most what the environment variable OMP_NUM_THREADS says, which other
+// numerical libraries heed, too.
 inline constexpr int mostLoopThreads = 8;
 int loopThreads();
 
