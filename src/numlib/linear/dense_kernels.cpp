@@ -92,8 +92,8 @@ class OwnKernels final : public DenseKernels {
     const int threads = double(c.rows) * c.cols * inner < kThreadsWork ? 1 : loopThreads();
     const int maxDepth = std::min(inner, kPackedDepth);
     // Strips for all threads to share, each packing its own part of the left operand.
-    const int maxRows =
-        roundUp(std::min(kPackedRows, evenStep(c.rows, c.rows / threads)), tileRows);
+    const int share = (c.rows + threads - 1) / threads;
+    const int maxRows = roundUp(std::min(kPackedRows, share), tileRows);
     const int maxCols = std::min(roundUp(c.cols, tileCols), roundUp(kPackedCols, tileCols));
     const std::size_t rowsPack = size(maxRows) * size(maxDepth);
     const auto packedA = std::make_unique_for_overwrite<double[]>(size(threads) * rowsPack);
