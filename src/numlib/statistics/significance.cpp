@@ -56,6 +56,20 @@ Real differenceOfMeans(std::span<const double> x, std::span<const double> y) {
   return meanAbout(x, x.front()) - meanAbout(y, x.front());
 }
 
+// The difference of two numbers and what its rounding left out (Knuth's sum), so that differences
+// of differences keep their digits whatever the pair's magnitudes.
+struct Difference {
+  Real value, rest;
+
+  Difference(Real a, Real b) : value(a - b) {
+    const Real part = value - a;
+    rest = (a - (value - part)) - (b + part);
+  }
+  Real operator-(const Difference& other) const {
+    return (value - other.value) + (rest - other.rest);
+  }
+};
+
 double twoSidedStudent(Real t, Real degrees) {
   if (std::isinf(t)) return 0;
   const boost::math::students_t_distribution<Real, Policy> student(degrees);
@@ -119,21 +133,22 @@ TestResult unequalVarianceTest(std::span<const double> x, std::span<const double
 }
 
 TestResult pairedTest(std::span<const double> x, std::span<const double> y) {
-  const auto difference = [&](std::size_t i) { return static_cast<Real>(x[i]) - y[i]; };
-  const Real n = countOf(x), first = difference(0);
+  const Real n = countOf(x);
+  const Difference first(x[0], y[0]);
+  const auto shift = [&](std::size_t i) { return Difference(x[i], y[i]) - first; };
   Real sum = 0;
-  for (std::size_t i = 0; i < x.size(); ++i) sum += difference(i) - first;
+  for (std::size_t i = 0; i < x.size(); ++i) sum += shift(i);
   const Real mean = sum / n;
   Real squares = 0, rest = 0;
   bool constant = true;
   for (std::size_t i = 0; i < x.size(); ++i) {
-    const Real d = (difference(i) - first) - mean;
+    const Real d = shift(i) - mean;
     squares += d * d;
     rest += d;
-    constant = constant && difference(i) == first;
+    constant = constant && shift(i) == 0;
   }
   if (constant) return std::nullopt;
-  return studentTest(first + mean, (squares - rest * rest / n) / (n - 1) / n, n - 1);
+  return studentTest(first.value + mean, (squares - rest * rest / n) / (n - 1) / n, n - 1);
 }
 
 }  // namespace vexa

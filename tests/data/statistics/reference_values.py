@@ -70,6 +70,8 @@ def samples():
         n = random.randint(3, 40)
         yield ([random.gauss(0, 1) for _ in range(n)],
                [random.gauss(random.uniform(-1, 1), random.uniform(0.2, 3)) for _ in range(n)])
+    yield ([-1000000000000.0001, -1000000000000.0034, -999999999999.9977, -1000000000000.0029],
+           [0.0034153560980577087, 0.0011143316081777827, -0.0006554848743887574, -0.006585865260059199])
 
 
 def main():
