@@ -74,6 +74,9 @@ Real lengthOf(const NodeDistance& d) { return norm({d.dx, d.dy, d.dz}); }
 
 Vector direction(const NodeDistance& d) { return scaled({d.dx, d.dy, d.dz}, 1 / lengthOf(d)); }
 
+// A negative zero becomes 0: it would be printed as -0.
+double elementOf(Real x) { return static_cast<double>(x) + 0.0; }
+
 // rotation^T * local * rotation, one triangle of it, mirrored.
 ElementStiffness toGlobal(const Square& local, const Square& rotation) {
   const int n = local.order();
@@ -89,11 +92,11 @@ ElementStiffness toGlobal(const Square& local, const Square& rotation) {
   const MatrixView stiffness{element.stiffness.data(), n, n};
   const MatrixView turned{element.rotation.data(), n, n};
   for (int i = 0; i < n; ++i) {
-    for (int j = 0; j < n; ++j) turned(i, j) = static_cast<double>(rotation(i, j));
+    for (int j = 0; j < n; ++j) turned(i, j) = elementOf(rotation(i, j));
     for (int j = 0; j <= i; ++j) {
       Real sum = 0;
       for (int k = 0; k < n; ++k) sum += rotation(k, i) * half(k, j);
-      stiffness(i, j) = stiffness(j, i) = static_cast<double>(sum);
+      stiffness(i, j) = stiffness(j, i) = elementOf(sum);
     }
   }
   return element;
