@@ -35,6 +35,7 @@ struct FitArguments {
         covariance = readResultName();
     }
   }
+  bool wantsCovariance() const { return !covariance.empty(); }
   bool weighted() const { return weights.matrix() != nullptr; }
 };
 
@@ -79,12 +80,11 @@ double finish(const LinearFit& fit, const FitArguments& arguments) {
     case FitOutcome::done:
       break;
   }
-  const bool wantsCovariance = !arguments.covariance.empty();
   if (!requireFinite(fit.coefficients) || !requireFinite({&fit.deviation, 1}) ||
-      (wantsCovariance && !requireFinite(fit.covariance)))
+      !requireFinite(fit.covariance))
     return 0.0;
   storeRow(arguments.coefficients, fit.coefficients);
-  if (wantsCovariance) {
+  if (arguments.wantsCovariance()) {
     const auto k = static_cast<int>(fit.coefficients.size());
     const std::vector<double> none(fit.coefficients.size() * fit.coefficients.size(),
                                    presetValue("i#"));
@@ -151,7 +151,7 @@ double lfitBuiltin() {
   }
   const int n = requireWhole(degree.value_or(1), 0, largestDegree);
   const ConstMatrixView abscissae = x.view();
-  FitData data{y.elements(), {}};
+  FitData data{y.elements(), {}, arguments.wantsCovariance()};
   if (arguments.weighted()) data.weights = arguments.weights.elements();
   if (!requireFinite(abscissae.elements()) || !requireFinite(data.y) || !checkWeights(data.weights))
     return 0.0;
@@ -193,7 +193,8 @@ double lcfitBuiltin() {
   if (!tabulate(table, abscissae, variable, functions)) return 0.0;
   textReturn.go();
   return finish(run([&] {
-                  return fitColumns(table.view(), {table.y, table.weights}, askUser);
+                  return fitColumns(table.view(),
+                                    {table.y, table.weights, arguments.wantsCovariance()}, askUser);
                 }),
                 arguments);
 }

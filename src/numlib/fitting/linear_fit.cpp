@@ -294,20 +294,24 @@ std::vector<double> wantedCoefficients(const Square& transform, const Reals& x) 
 }
 
 // variance (A^T A)^-1 of the wanted coefficients: M M^T with M = transform P R^-1.
-std::vector<double> covarianceOf(const Square& transform, const Factors& factors, Real variance) {
+std::vector<double> covarianceOf(const Square& transform, const Factors& factors, Real variance,
+                                 const InterruptTest& interrupted) {
   const std::size_t k = transform.order();
   const auto order = static_cast<Eigen::Index>(k);
   const auto r = factors.matrixQR().topLeftCorner(order, order).triangularView<Eigen::Upper>();
   const Eigen::MatrixXd inverse =
       factors.colsPermutation() * Eigen::MatrixXd(r.solve(Eigen::MatrixXd::Identity(order, order)));
   Square m(k);
-  for (std::size_t i = 0; i < k; ++i)
-    for (std::size_t j = 0; j < k; ++j)
-      for (std::size_t l = 0; l < k; ++l)
-        m(i, j) +=
-            transform(i, l) * inverse(static_cast<Eigen::Index>(l), static_cast<Eigen::Index>(j));
+  Pace pace(interrupted);
+  for (std::size_t i = 0; i < k && !pace.stopsAfter(k * k); ++i)
+    for (std::size_t l = 0; l < k; ++l) {
+      const Real factor = transform(i, l);
+      if (factor == 0) continue;  // nearly all, but for polynomials
+      for (std::size_t j = 0; j < k; ++j)
+        m(i, j) += factor * inverse(static_cast<Eigen::Index>(l), static_cast<Eigen::Index>(j));
+    }
   std::vector<double> covariance(k * k);
-  for (std::size_t i = 0; i < k; ++i)
+  for (std::size_t i = 0; i < k && !pace.stopsAfter(k * k); ++i)
     for (std::size_t j = 0; j <= i; ++j) {
       Real sum = 0;
       for (std::size_t l = 0; l < k; ++l) sum += m(i, l) * m(j, l);
@@ -341,7 +345,8 @@ LinearFit fitBasis(const Basis& basis, const FitData& data, std::vector<std::siz
   if (system.stopped()) return ended(FitOutcome::interrupted);
   fit.coefficients = wantedCoefficients(basis.transform(), x);
   fit.deviation = static_cast<double>(std::sqrt(variance));
-  if (freedom > 0) fit.covariance = covarianceOf(basis.transform(), factors, variance);
+  if (freedom > 0 && data.wantsCovariance)
+    fit.covariance = covarianceOf(basis.transform(), factors, variance, interrupted);
   return fit;
 }
 

@@ -16,9 +16,10 @@
 namespace vexa {
 
 // m ordinates, and m weights w >= 0 or none. The sum of w r^2 is made least; a point of weight 0
-// does not count at all.
+// does not count at all. The covariance costs about as much as the fit.
 struct FitData {
   std::span<const double> y, weights;
+  bool wantsCovariance = true;
 };
 
 enum class FitOutcome {
@@ -32,7 +33,7 @@ struct LinearFit {
   FitOutcome outcome = FitOutcome::done;
   std::vector<double> coefficients;  // k of them
   double deviation = 0;              // sqrt(sum w r^2/(m - k)), 0 for m = k
-  std::vector<double> covariance;    // k x k, row by row; empty for m = k, where there is none
+  std::vector<double> covariance;    // k x k, row by row; empty for m = k and when not wanted
 };
 
 // a[0] + a[1] x + ... + a[degree] x^degree.
