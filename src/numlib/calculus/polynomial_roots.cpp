@@ -80,10 +80,10 @@ std::vector<Head> hullStart(const Coefficients& b) {
     for (std::size_t k = to + 1; k < b.size(); ++k)
       if (slope(k) >= slope(to)) to = k;
     const Real radius = std::exp(-slope(to));
-    const std::size_t count = to - from;
+    const std::size_t count = to - from, parts = (count + 1) / 2;
     for (std::size_t j = 0; j < count / 2; ++j) {
-      const Real angle = std::numbers::pi_v<Real> * (static_cast<Real>(j) + 0.4L) /
-                         static_cast<Real>((count + 1) / 2);
+      const Real angle =
+          std::numbers::pi_v<Real> * (static_cast<Real>(j) + 0.4L) / static_cast<Real>(parts);
       heads.push_back({std::polar(radius, angle), true});
     }
     if (count % 2) heads.push_back({ComplexReal(-radius, 0), false});

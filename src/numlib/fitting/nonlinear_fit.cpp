@@ -169,15 +169,14 @@ NonlinearFit fitNonlinear(const NonlinearFitProblem& problem, std::span<const do
   Eigen::LevenbergMarquardt<Residuals> search(residuals);
   search.parameters.ftol = search.parameters.xtol = tolerance;
   search.parameters.maxfev = std::numeric_limits<Index>::max();
-  auto status = search.minimizeInit(a);
-  int jacobians = 0;
-  do {
-    if (jacobians++ == problem.mostJacobians) {
+  search.minimizeInit(a);
+  for (int jacobians = 0;; ++jacobians) {
+    if (jacobians == problem.mostJacobians) {
       fit.outcome = NonlinearFitOutcome::notReached;
       return fit;
     }
-    status = search.minimizeOneStep(a);
-  } while (status == Running);
+    if (search.minimizeOneStep(a) != Running) break;
+  }
   residuals.compute(a, r);
   polish(residuals, a, r);
   fit.parameters.assign(a.begin(), a.end());

@@ -12,6 +12,7 @@ namespace vexa {
 
 namespace {
 
+// NOLINTNEXTLINE(modernize-use-using): that could not be marked as an extension
 __extension__ typedef unsigned __int128 Wide;
 
 constexpr double kTwoTo53 = 9007199254740992.0;

@@ -1,5 +1,6 @@
 #include "numlib/special/gamma.h"
 
+// NOLINTNEXTLINE(modernize-deprecated-headers)
 #include <math.h>  // lgammal_r, which <cmath> does not bring
 
 #include <array>
