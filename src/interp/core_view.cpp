@@ -17,9 +17,6 @@ namespace vexa {
 
 namespace {
 
-// The catalogs leave out the companions that a factorisation keeps beside its matrix.
-constexpr std::uint8_t pivotCompanionTag = 'I';
-
 // The frames to show: those of what runs now, otherwise those that the last failed run left.
 bool showsLiveCalls(const InterpreterState& state) {
   return state.running || state.calls.depth() > 0;
@@ -74,9 +71,8 @@ VariableRow describeGlobal(const Symbol& symbol) {
   return row;
 }
 
-bool isInternal(const Symbol& symbol) {
-  return symbol.type == typeMatrix && symbol.matrix && symbol.matrix->tag() == pivotCompanionTag;
-}
+// The pivots that a factorisation keeps beside its matrix.
+bool isInternal(const Symbol& symbol) { return symbol.name().starts_with('#'); }
 
 // The indexes of a frame's locals, from `first` up to `end`; none for a depth that is not active.
 struct LocalsRange {

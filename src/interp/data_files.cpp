@@ -8,6 +8,8 @@ namespace vexa {
 
 namespace {
 
+constexpr int largestFileTag = 255;
+
 RecordOutcome readTextPayload(BinaryFile& file, std::int32_t length, std::string& text) {
   if (length < 1) return RecordOutcome::damaged;
   if (length > longestRecordText) return RecordOutcome::tooLong;
@@ -95,7 +97,9 @@ RecordOutcome readRecord(BinaryFile& file, DataRecord& record) {
 }
 
 char flagsByte(const Matrix& matrix) {
-  return matrix.isString() ? stringMark : static_cast<char>(matrix.tag());
+  if (matrix.isString()) return stringMark;
+  // A larger tag finds no room; without one the matrix is plain.
+  return matrix.tag() > largestFileTag ? '\0' : static_cast<char>(matrix.tag());
 }
 
 void setFlags(Matrix& matrix, char flags) {

@@ -46,9 +46,10 @@ class Matrix {
   bool isString() const { return m_isString; }
   void setString(bool yes) { m_isString = yes; }
 
-  // The decomposition tag of the factorising built-ins; 0 for plain elements.
-  std::uint8_t tag() const { return m_tag; }
-  void setTag(std::uint8_t tag) { m_tag = tag; }
+  // The decomposition tag of the factorising built-ins; 0 for plain elements. One byte is enough
+  // for all of them but gauss, which counts unknowns.
+  int tag() const { return m_tag; }
+  void setTag(int tag) { m_tag = tag; }
 
   // Gives the matrix a new zero-filled block, plain (no tag, no string). False, with the matrix
   // unchanged, when rows x cols is not positive or memory cannot be had.
@@ -68,7 +69,7 @@ class Matrix {
   double** m_rowTable = nullptr;
   int m_rows = 0, m_cols = 0;
   int m_pins = 0;
-  std::uint8_t m_tag = 0;
+  int m_tag = 0;
   bool m_isString = false;
 };
 

@@ -121,6 +121,15 @@ TEST(CoreView, ListsPresetsLastAndSeesVariablesChange) {
   EXPECT_EQ(session.view.builtins().size(), 240u);
 }
 
+TEST(CoreView, HidesThePivotsOfSolveAndNoMatrixOfTheUser) {
+  ScriptedSession session("main() { }");
+  session.run();
+  // 73 unknowns kept leave the tag that pivots have.
+  session.evaluate("unit(kept[73]); zeronew(b[1,73]); gauss(C, kept, b, 73); solve(J, kept)");
+  session.evaluate("!a = {2}; solve(D, a)");
+  EXPECT_THAT(describe(session.view.globals()), ElementsAre("kept[73,73]", "b[1,73]", "a[1,1]"));
+}
+
 TEST(CoreCommands, TheKeywordEndStopsTheTextAndWhatOpenedIt) {
   ScriptedSession session;
   session.shell.answers = {"exec({ end; })", "7"};

@@ -74,7 +74,7 @@ bool readEigenTail(const MatrixArgument& a, EigenTail& tail) {
 double storeEigen(const MatrixArgument& a, const EigenTail& tail) {
   const SlowIteration slow{[] { messageBox("Too many iterations in eigen"); }};
   std::vector<double> values(static_cast<std::size_t>(a->rows()));
-  const std::uint8_t tag = a->tag();
+  const int tag = a->tag();
   a->setTag(0);
   const Outcome outcome = runAlgorithm([&] {
     return tail.b.get() ? eigenDefinitePair(a->view(), tail.b->view(), values, askUser, slow)

@@ -17,7 +17,8 @@ namespace vexa {
 
 namespace {
 
-constexpr std::uint8_t companionTag = 'I';
+constexpr int companionTag = 'I';
+constexpr std::uint8_t largestSerial = 255;
 
 // Elements of a vector that holds n row numbers.
 int pivotElements(int n) {
@@ -69,7 +70,7 @@ class NewCompanion {
  public:
   NewCompanion() {
     std::uint8_t& serial = interpreter().pivotSerial;
-    serial = serial == 255 ? 1 : static_cast<std::uint8_t>(serial + 1);
+    serial = serial == largestSerial ? 1 : static_cast<std::uint8_t>(serial + 1);
   }
   ~NewCompanion() {
     if (m_kept) return;
@@ -119,8 +120,9 @@ double factoriseGeneral(const SolveArguments& arguments) {
 
 // The companion that the tag of a stands for; null when there is none of this order.
 Matrix* companionOf(const Matrix& a) {
-  if (a.tag() == 0) return nullptr;
-  const Symbol* symbol = interpreter().names.find(companionName(a.tag()));
+  if (a.tag() < 1 || a.tag() > largestSerial) return nullptr;
+  const auto serial = static_cast<std::uint8_t>(a.tag());
+  const Symbol* symbol = interpreter().names.find(companionName(serial));
   Matrix* const matrix = symbol && symbol->isGlobal() ? symbol->matrix.get() : nullptr;
   if (!matrix || matrix->tag() != companionTag) return nullptr;
   // Serials come round again, and then the name belongs to another matrix.

@@ -12,9 +12,6 @@ namespace vexa {
 
 namespace {
 
-// The decomposition tag is one byte.
-constexpr int mostRetained = 255;
-
 struct GaussArguments {
   char option = 0;
   NamedMatrix a, b;
@@ -35,8 +32,8 @@ int retainedUnknowns(const GaussArguments& arguments) {
   if (arguments.option == 'S') a.setTag(1);
   if (arguments.option == 'C') {
     const double k = std::round(arguments.retained);
-    if (!require(k >= 1 && k <= a.rows() && k <= mostRetained, ErrorKey::invalidData, {})) return 0;
-    a.setTag(static_cast<std::uint8_t>(k));
+    if (!require(k >= 1 && k <= a.rows(), ErrorKey::invalidData, {})) return 0;
+    a.setTag(static_cast<int>(k));
   }
   return a.tag() == 0 ? 1 : a.tag();
 }
