@@ -39,10 +39,9 @@ std::FILE* openToWrite(const char* name) {
 }
 
 std::uint64_t sizeOf(std::FILE* stream) {
-  if (::fseeko(stream, 0, SEEK_END) != 0) return 0;
-  const off_t size = ::ftello(stream);
-  if (size < 0 || ::fseeko(stream, 0, SEEK_SET) != 0) return 0;
-  return static_cast<std::uint64_t>(size);
+  struct stat status {};
+  if (::fstat(::fileno(stream), &status) != 0 || status.st_size < 0) return 0;
+  return static_cast<std::uint64_t>(status.st_size);
 }
 
 template <class Number>
@@ -72,7 +71,16 @@ BinaryFile::BinaryFile(std::FILE* stream, std::string name, Purpose purpose)
 
 bool BinaryFile::rewind() {
   m_place = 0;
+  // What was read ahead is dropped: the file may have been written anew.
+  if (std::fflush(m_stream.get()) != 0) return false;
   return std::fseek(m_stream.get(), 0, SEEK_SET) == 0;
+}
+
+bool BinaryFile::holds(std::uint64_t bytes) {
+  const auto inSize = [&] { return m_place <= m_size && bytes <= m_size - m_place; };
+  if (inSize()) return true;
+  m_size = sizeOf(m_stream.get());
+  return inSize();
 }
 
 bool BinaryFile::writeBytes(std::span<const char> bytes) {
@@ -98,7 +106,7 @@ bool BinaryFile::writeNumbers(std::span<const double> numbers) {
 bool BinaryFile::flush() { return std::fflush(m_stream.get()) == 0; }
 
 bool BinaryFile::readBytes(std::span<char> bytes) {
-  if (bytes.size() > remaining()) return false;
+  if (!holds(bytes.size())) return false;
   const std::size_t count = std::fread(bytes.data(), 1, bytes.size(), m_stream.get());
   m_place += count;
   return count == bytes.size();
@@ -120,7 +128,7 @@ bool BinaryFile::readNumbers(std::span<double> numbers) {
 }
 
 bool BinaryFile::skip(std::uint64_t bytes) {
-  if (bytes > remaining()) return false;
+  if (!holds(bytes)) return false;
   if (::fseeko(m_stream.get(), static_cast<off_t>(bytes), SEEK_CUR) != 0) return false;
   m_place += bytes;
   return true;

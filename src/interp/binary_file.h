@@ -34,8 +34,9 @@ class BinaryFile {
   // Hands what has been written to the system.
   bool flush();
 
-  // Bytes between the place of reading and the end of the file.
-  std::uint64_t remaining() const { return m_size - m_place; }
+  // Whether so many bytes stand between the place of reading and the end of the file, which may
+  // have grown since it was opened.
+  bool holds(std::uint64_t bytes);
   // False, with the contents of the target unspecified, when the file ends too early.
   bool readBytes(std::span<char> bytes);
   bool readInteger(std::int32_t& x);
@@ -52,7 +53,7 @@ class BinaryFile {
   std::unique_ptr<std::FILE, Closer> m_stream;
   std::string m_name;
   Purpose m_purpose;
-  std::uint64_t m_size = 0;   // of a file for reading
+  std::uint64_t m_size = 0;   // of a file for reading, when last looked at
   std::uint64_t m_place = 0;  // of a file for reading
 };
 

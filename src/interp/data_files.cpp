@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <utility>
 
 namespace vexa {
@@ -109,12 +110,12 @@ void setFlags(Matrix& matrix, char flags) {
     matrix.setTag(static_cast<std::uint8_t>(flags));
 }
 
-std::optional<std::uint64_t> elementBytes(const BinaryFile& file, std::int32_t rows,
-                                          std::int32_t cols) {
+std::optional<std::uint64_t> elementBytes(BinaryFile& file, std::int32_t rows, std::int32_t cols) {
   if (rows <= 0 || cols <= 0) return std::nullopt;
-  // Below 2^62, and so is what the product is compared with: their bytes do not overflow then.
+  // The count is below 2^62, its bytes may be beyond 64 bits.
   const std::uint64_t count = static_cast<std::uint64_t>(rows) * static_cast<std::uint64_t>(cols);
-  if (count > file.remaining() / sizeof(double)) return std::nullopt;
+  constexpr std::uint64_t most = std::numeric_limits<std::uint64_t>::max() / sizeof(double);
+  if (count > most || !file.holds(count * sizeof(double))) return std::nullopt;
   return count * sizeof(double);
 }
 

@@ -72,7 +72,6 @@ void setFlags(Matrix& matrix, char flags);
 RecordOutcome readElements(BinaryFile& file, std::int32_t rows, std::int32_t cols,
                            std::unique_ptr<Matrix>& matrix);
 // Bytes of rows x cols elements; nothing for orders that are not positive or beyond the file.
-std::optional<std::uint64_t> elementBytes(const BinaryFile& file, std::int32_t rows,
-                                          std::int32_t cols);
+std::optional<std::uint64_t> elementBytes(BinaryFile& file, std::int32_t rows, std::int32_t cols);
 
 }  // namespace vexa

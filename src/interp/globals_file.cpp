@@ -69,7 +69,7 @@ bool readHead(BinaryFile& file, RecordHead& head) {
 }
 
 // Bytes behind the head, or nothing when the orders are senseless or beyond the file.
-std::optional<std::uint64_t> payloadBytes(const BinaryFile& file, const RecordHead& head) {
+std::optional<std::uint64_t> payloadBytes(BinaryFile& file, const RecordHead& head) {
   if (!head.hasPayload()) return 0;
   if (head.isFloat()) return sizeof(double);
   return elementBytes(file, head.rows, head.cols);
@@ -86,7 +86,7 @@ bool readFileHead(BinaryFile& file, FileHead& head) {
 
 // Passes over the records. False when one makes no sense or breaks off.
 bool examineRecords(BinaryFile& file, std::int32_t count) {
-  for (std::int32_t i = 0; i < count && file.remaining() > 0; ++i) {
+  for (std::int32_t i = 0; i < count && file.holds(1); ++i) {
     RecordHead head;
     if (!readHead(file, head)) return false;
     const auto bytes = payloadBytes(file, head);
@@ -166,7 +166,7 @@ GlobalsOutcome readGlobals(BinaryFile& file, std::string& conflict) {
   if (!file.rewind() || !file.skip(magic.size()) || !readFileHead(file, head))
     return GlobalsOutcome::damaged;
   interpreter().displaySetting = head.displaySetting;
-  for (std::int32_t i = 0; i < head.count && file.remaining() > 0; ++i) {
+  for (std::int32_t i = 0; i < head.count && file.holds(1); ++i) {
     const GlobalsOutcome outcome = mergeRecord(file, conflict);
     if (outcome != GlobalsOutcome::complete) return outcome;
   }
