@@ -48,10 +48,12 @@ double discounted(double r, long double x, const Annuity& a) {
 
 long double logOfGrowth(double r) { return std::log1p(static_cast<long double>(r)); }
 
-// Sum over j from 0 to m - 1 of e^(m u) - e^(j u), divided by e^(m u).
+// Sum over j from 0 to m - 1 of e^(m u) - e^(j u), divided by e^(m u) where that is above 1.
 long double summedShortfall(long double u, long double m) {
   const long double w = m * u;
-  return w * (exponentialRest(u) - exponentialRest(-w)) / std::expm1(u);
+  if (w < -1) return m * std::exp(w) - std::expm1(w) / std::expm1(u);
+  const long double sum = w * (exponentialRest(u) - exponentialRest(-w)) / std::expm1(u);
+  return w < 0 ? std::exp(w) * sum : sum;
 }
 
 // Interest in the payments after period `from` up to period `to`, all due at the end: what is owed
@@ -60,8 +62,8 @@ long double interestBetween(double r, long double from, long double to, const An
   const long double u = logOfGrowth(r), m = to - from, n = a.n;
   if (m <= 0 || r == 0) return 0;
   const long double later = m * segment(u, to, n - to, n);
-  const long double share =
-      u > 0 ? std::exp(-(n - to) * u) / -std::expm1(-n * u) : std::exp(to * u) / std::expm1(n * u);
+  const long double share = u > 0 ? std::exp(-(n - to) * u) / -std::expm1(-n * u)
+                                  : std::exp(from * u) / std::expm1(n * u);
   return -static_cast<long double>(r) * a.pv * (later + share * summedShortfall(u, m));
 }
 

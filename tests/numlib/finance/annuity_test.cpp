@@ -21,6 +21,12 @@ TEST(Annuity, HugeGrowthCancelsOut) {
   EXPECT_NEAR(interestSum(0.5, 9999999, 1e7, loan), -1000 * (1 - 5 / 9.0), 1e-12);
   EXPECT_EQ(presentValue(0.5, {.n = 1e7, .pmt = -500, .fv = 7}), 1000);
   EXPECT_NEAR(payment(-0.5, loan), 0, 1e-300) << "what is owed vanishes by itself";
+  for (const Due due : {Due::end, Due::beginning}) {
+    const Annuity vanishing{.n = 1e6, .pv = 1000, .due = due};
+    EXPECT_EQ(interestSum(-0.5, 1, 1e6, vanishing), 1000) << "payments of nothing repay it";
+    EXPECT_EQ(interestSum(-0.5, 1, 20, vanishing),
+              1000 * (1 - std::pow(0.5, due == Due::end ? 20 : 19)));
+  }
   EXPECT_TRUE(std::isinf(futureValue(0.5, loan)));
   EXPECT_EQ(futureValue(0.5, {.n = 1e7}), 0);
 }
