@@ -98,7 +98,7 @@ class Residuals {
       addMoved(at, j, from, -2 * h, 1 / (12 * h), column);
     }
     at[j] = from;
-    column = column.cwiseProduct(m_rootWeights).eval();
+    column.array() *= m_rootWeights.array();
     if (!column.allFinite()) column.setZero();
   }
 
