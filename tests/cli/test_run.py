@@ -162,6 +162,21 @@ class OptionsTest(CommandLineTest):
         self.check(self.vexa("run", "p.vxp", "--own-kernels"),
                    self.vexa("run", "p.vxp").stdout)
 
+    def test_missing_libraries_are_named_with_what_to_do(self):
+        cases = {"libClp.so.1": ("simplx(L, !{1}, !{1}, !{5}, !{1}, x)", "simplx", "Clp",
+                                 "coinor-libclp1"),
+                 "libnlopt.so.0": ("minzs(v, v[1]^2)", "minzs", "NLopt", "libnlopt0")}
+        (self.folder / "broken").mkdir()
+        for file, (call, name, library, package) in cases.items():
+            (self.folder / "broken" / file).write_bytes(b"")
+            self.write("p.vxp", "main() { !v = {3,4}; " + call + "; }")
+            done = self.vexa("run", "p.vxp",
+                             environment={"LD_LIBRARY_PATH": str(self.folder / "broken")})
+            self.check(done, status=1, err=(
+                f"p.vxp: message: {name}> {file} of the library {library} cannot be opened: "
+                f"install it (Debian: {package})\np.vxp:1: error: Error #19. Invalid data or option "
+                'or missing delimiter to separate items:   near ") " on line  1\n'))
+
     def test_other_messages_are_lines_too(self):
         self.write("p.vxp", 'main() { postmessage("wait"); hidemessage();\n'
                             '  print("%g", gotourl("https://example.org/")); }')

@@ -112,7 +112,9 @@ double finish(const ProgramSolution& solution, const ProgramArguments& p, Object
     case ProgramOutcome::unbounded:
       return noOptimum("simplx> objective is without bound", -worst);
     case ProgramOutcome::missing:
-      return refuse("simplx> needs the library Clp (libClp.so.1), which is not installed");
+      return refuse(
+          "simplx> libClp.so.1 of the library Clp cannot be opened: install it "
+          "(Debian: coinor-libclp1)");
     case ProgramOutcome::tooManyIterations:
     case ProgramOutcome::failed:
       raiseError(ErrorKey::notConvergent);

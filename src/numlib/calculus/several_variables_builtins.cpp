@@ -114,7 +114,9 @@ double finishSearch(const SearchResult& found, TrialRow& row, const TextReturn& 
   end.go();
   switch (found.outcome) {
     case SearchOutcome::libraryMissing:
-      return refuse("minzs> the library NLopt (libnlopt.so.0) is not installed");
+      return refuse(
+          "minzs> libnlopt.so.0 of the library NLopt cannot be opened: install it "
+          "(Debian: libnlopt0)");
     case SearchOutcome::notReached:
     case SearchOutcome::withoutMinimum:
       raiseError(ErrorKey::notConvergent);
