@@ -174,8 +174,8 @@ class OptionsTest(CommandLineTest):
                              environment={"LD_LIBRARY_PATH": str(self.folder / "broken")})
             self.check(done, status=1, err=(
                 f"p.vxp: message: {name}> {file} of the library {library} cannot be opened: "
-                f"install it (Debian: {package})\np.vxp:1: error: Error #19. Invalid data or option "
-                'or missing delimiter to separate items:   near ") " on line  1\n'))
+                f"install it (Debian: {package})\np.vxp:1: error: Error #19. Invalid data or "
+                'option or missing delimiter to separate items:   near ") " on line  1\n'))
 
     def test_other_messages_are_lines_too(self):
         self.write("p.vxp", 'main() { postmessage("wait"); hidemessage();\n'

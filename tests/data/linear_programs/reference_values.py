@@ -69,6 +69,10 @@ def solve(objective, c, a, b, senses, low, high):
     table.minimise([Fraction(0)] * width + [Fraction(1)] * len(rows), width + len(rows))
     if any(k >= width and row[-1] != 0 for k, row in zip(table.basis, table.rows)):
         raise ArithmeticError("not feasible")
+    for i, k in enumerate(table.basis):  # what is left of the first phase may not grow again
+        column = next((j for j in range(width) if table.rows[i][j] != 0), None)
+        if k >= width and column is not None:
+            table.pivot(i, column)
     every = costs + [Fraction(0)] * (width - len(costs))
     table.minimise(every + [Fraction(0)] * len(rows), width)
     value = sum(every[k] * row[-1] for k, row in zip(table.basis, table.rows) if k < width)
@@ -94,6 +98,14 @@ def programs():
            [[float(j // 3 == i) for j in range(9)] for i in range(3)]
            + [[float(j % 3 == i) for j in range(9)] for i in range(3)],
            [20, 30, 50, 20, 30, 50], [0] * 6)
+    yield ("L", [2, 0, 3], [[3, 1, -1], [0, 2, 0], [1, 2, 0], [3, 1, 0], [2, -1, 0.5]],
+           [15, 0, 4, 16, 10], [0, -1, 1, -1, -1], [0, 0, -NONE], [NONE, 9, NONE])
+    # Called infeasible when rows are taken away first.
+    yield ("L", [1, 1, -1, 1, -1],
+           [[0, 3, 0.5, 0.5, 1], [0, 0, 2, 0.5, 0], [0, 0, 0, -1, 2], [2, 0, 3, 1, 1],
+            [-1, -1, -1, -1, 1], [0.5, 0, 1, 0, 0.5], [0, 1, 1, -1, 1]],
+           [4, 7.5, 4, 22, -7, 6.5, 5], [1, 1, -1, -1, 0, 1, -1], [0, 0, 0, -NONE, -NONE],
+           [9, NONE, NONE, NONE, NONE])
     # Badly scaled: the twisted cubes of Klee and Minty, rows and costs of any size.
     for n in (4, 8):
         yield ("G", [10.0 ** (n - 1 - j) for j in range(n)],

@@ -136,6 +136,19 @@ TEST_F(LinearProgramTest, NoOptimum) {
   EXPECT_EQ(emptyAndOpen.solve().outcome, ProgramOutcome::infeasible);
   const Program ray{Objective::greatest, {1, 1}, {1, -1}, {1}, {below}};
   EXPECT_EQ(ray.solve().outcome, ProgramOutcome::unbounded);
+  // What the library says of these is wrong: not feasible, with its presolve an optimum, nothing.
+  const Program column{Objective::least, {3, 1, 1, -1, -1}, {3, 0, 0, 1, 0}, {5}, {above}};
+  EXPECT_EQ(column.solve().outcome, ProgramOutcome::unbounded);
+  const Program presolved{Objective::least,
+                          {1, 2, 1, 2},
+                          {-1, 0, 2, 3, 0, 0.5, 0, 2, 0, 3, 1, 2, 1, 0, 1, 0.5, 0, 0, 0, -1},
+                          {16, 11, 16, 4.5, -5},
+                          {below, below, above, equal, above},
+                          {-2, -none, -2, -none},
+                          {9, none, none, none}};
+  EXPECT_EQ(presolved.solve().outcome, ProgramOutcome::unbounded);
+  const Program zeros{Objective::least, {3}, {0, 0}, {0, -2}, {below, below}, {-none}};
+  EXPECT_EQ(zeros.solve().outcome, ProgramOutcome::infeasible);
 }
 
 // Random programs with a feasible point: the duals prove the optimum, and tell how it moves.
