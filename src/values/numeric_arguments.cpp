@@ -229,6 +229,10 @@ void storeMatrix(std::string_view name, ConstMatrixView values) {
   std::copy_n(values.data, matrix.size(), matrix.elements().begin());
 }
 
+double limitValue(double x) {
+  return std::fabs(x) >= presetValue("i#") ? std::copysign(HUGE_VAL, x) : x;
+}
+
 double presetValue(std::string_view name) {
   const Symbol* symbol = presetGlobal(name);
   return symbol ? symbol->value : 0.0;

@@ -136,6 +136,9 @@ void storeMatrix(std::string_view name, ConstMatrixView values);
 
 // ---- Settings ----
 
+// A limit or bound as it was written: infinite when its magnitude is i# or more.
+double limitValue(double x);
+
 // The value of a preset global, whatever locals a program declares.
 double presetValue(std::string_view name);
 void setPreset(std::string_view name, double x);

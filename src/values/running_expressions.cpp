@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <new>
 #include <utility>
 
 #include "interp/functions.h"
@@ -76,26 +77,36 @@ TrialRow TrialRow::read() {
   return TrialRow(std::move(argument), interpreter().scanner.tokenText);
 }
 
+TrialRow::TrialRow(MatrixArgument argument, std::string_view name)
+    : m_argument(std::move(argument)),
+      m_name(name),
+      m_rows(m_argument->rows()),
+      m_cols(m_argument->cols()) {
+  try {
+    const auto elements = m_argument->elements();
+    m_old.assign(elements.begin(), elements.end());
+  } catch (const std::bad_alloc&) {
+    m_kept = true;  // there is nothing to restore
+    raiseError(ErrorKey::allocationFailed);
+  }
+}
+
 TrialRow::~TrialRow() {
   Matrix* row = m_argument.get();
-  if (!row || m_old.empty()) return;
-  if (!intact() && !row->reshape(1, size())) return;
+  if (!row || m_kept) return;
+  if (!intact() && !row->reshape(m_rows, m_cols)) return;
   std::ranges::copy(m_old, row->elements().begin());
 }
 
 bool TrialRow::intact() const {
   const Matrix& row = *m_argument;
-  return row.rows() == 1 && row.size() == m_old.size() && !row.isString();
+  return row.rows() == m_rows && row.cols() == m_cols && !row.isString();
 }
 
-bool TrialRow::begin() {
-  if (m_argument->rows() != 1) {
-    raiseError(ErrorKey::ordersIncompatible);
-    return false;
-  }
-  const auto elements = m_argument->elements();
-  m_old.assign(elements.begin(), elements.end());
-  return true;
+bool TrialRow::requireRow() const {
+  if (m_rows == 1) return true;
+  raiseError(ErrorKey::ordersIncompatible);
+  return false;
 }
 
 void TrialRow::check() const {
@@ -110,11 +121,12 @@ void TrialRow::write(std::span<const double> values) {
 void TrialRow::keep(std::span<const double> values) {
   write(values);
   m_argument->setTag(0);
-  m_old.clear();
+  m_kept = true;
 }
 
 RowFunctions RowFunctions::read(FunctionForm form, TrialRow& row, const RunningVariable* variable) {
   RowFunctions functions(form, row, variable);
+  row.requireRow();
   Scanner& scanner = interpreter().scanner;
   getToken();
   const char next = nextCharacter();
@@ -125,10 +137,10 @@ RowFunctions RowFunctions::read(FunctionForm form, TrialRow& row, const RunningV
     return functions;
   }
   rescanToken();
-  if (form == FunctionForm::single)
+  do {
     functions.m_expressions.push_back(ExpressionText::read());
-  else
-    functions.m_expressions = readExpressions();
+    row.check();
+  } while (form == FunctionForm::several && moreBeforeWords());
   return functions;
 }
 

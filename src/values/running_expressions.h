@@ -98,8 +98,8 @@ class RunningExpression {
 std::vector<ExpressionText> readExpressions();
 
 // A named row of numbers into which trial values are written while expressions that mention its
-// elements are evaluated. It has its old elements and order again on every path out, or the result
-// that keep() stored.
+// elements are evaluated. On every path out it has the elements and the order again that it had
+// when it was read, whatever user text has done to it, or the result that keep() stored.
 class TrialRow {
  public:
   // A matrix by its name: key 59 otherwise, for an expression too.
@@ -108,10 +108,10 @@ class TrialRow {
   TrialRow& operator=(TrialRow&&) = delete;
   ~TrialRow();
 
-  // Key 64 unless it is a single row; false then. Trial values may be written after this.
-  bool begin();
+  // Key 64 unless it was a single row when it was read; false then.
+  bool requireRow() const;
   int size() const { return static_cast<int>(m_old.size()); }
-  // The elements that it had at begin().
+  // The elements that it had when it was read.
   std::span<const double> start() const { return m_old; }
   Matrix* matrix() const { return m_argument.get(); }
   const std::string& name() const { return m_name; }
@@ -125,12 +125,13 @@ class TrialRow {
   void keep(std::span<const double> values);
 
  private:
-  TrialRow(MatrixArgument argument, std::string_view name)
-      : m_argument(std::move(argument)), m_name(name) {}
+  TrialRow(MatrixArgument argument, std::string_view name);
 
   MatrixArgument m_argument;
   std::string m_name;
   std::vector<double> m_old;
+  int m_rows, m_cols;
+  bool m_kept = false;
 };
 
 // How a user function that stands in place of expressions is called: f(v) is worth the value, or
@@ -141,7 +142,8 @@ enum class FunctionForm { single, several };
 // expressions, or the bare name of a user function f(v), f(v, r), f(t, v), f(t, v, r).
 class RowFunctions {
  public:
-  // Reads as readExpressions does; a single expression with FunctionForm::single.
+  // Reads as readExpressions does; a single expression with FunctionForm::single. Key 64, before
+  // any of them is evaluated, when the row is none.
   static RowFunctions read(FunctionForm form, TrialRow& row,
                            const RunningVariable* variable = nullptr);
 

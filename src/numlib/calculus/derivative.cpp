@@ -113,14 +113,16 @@ class ExtrapolationTable {
   std::size_t m_rowsSinceBest = 0;
 };
 
-}  // namespace
+// What the rows from a first step downward gave; the error is infinite when they gave nothing.
+struct Estimate {
+  double value = 0;
+  double error = std::numeric_limits<double>::infinity();
+  double noise = 0;  // an error that is no reason to refuse
+};
 
-double firstStep(double x) { return x == 0 ? 0.1 : 0.1 * std::fabs(x); }
-
-std::optional<double> differentiate(RealFunction f, double x, int order) {
+Estimate estimateFrom(double first, RealFunction f, double x, int order) {
   CentralDifference difference(f, x, order);
   ExtrapolationTable table;
-  const double first = firstStep(x);
   double largest = 0;
   double h = first;
   for (int row = 0; row < mostRows && !table.settled(); ++row, h /= stepRatio) {
@@ -135,10 +137,29 @@ std::optional<double> differentiate(RealFunction f, double x, int order) {
     largest = std::max(largest, next.largest);
     table.addRow(next.value, epsilon * next.largest / std::pow(std::fabs(step), order));
   }
-  if (table.empty() || !std::isfinite(table.best())) return std::nullopt;
-  const double noise = 1e-6 * largest / std::pow(first, order);
-  if (table.error() > 1e-3 * std::fabs(table.best()) && table.error() > noise) return std::nullopt;
-  return table.best();
+  if (table.empty() || !std::isfinite(table.best())) return {};
+  return {table.best(), table.error(), 1e-6 * largest / std::pow(first, order)};
+}
+
+// Relative errors, by the order, from which on another first step is worth its evaluations.
+constexpr double doubtful[] = {0, 1e-11, 1e-9, 1e-8, 1e-6};
+
+}  // namespace
+
+double firstStep(double x) { return x == 0 ? 0.1 : 0.1 * std::fabs(x); }
+
+std::optional<double> differentiate(RealFunction f, double x, int order) {
+  Estimate estimate = estimateFrom(firstStep(x), f, x, order);
+  // Beside 0 the steps may be so short that rounding is all that the differences show, as of exp
+  // at 1e-17.
+  const double limit = doubtful[order] * std::fabs(estimate.value);
+  if (firstStep(x) < firstStep(0) && !(estimate.error <= limit)) {
+    const Estimate wide = estimateFrom(firstStep(0), f, x, order);
+    if (wide.error < estimate.error) estimate = wide;
+  }
+  const double allowed = std::max(1e-3 * std::fabs(estimate.value), estimate.noise);
+  if (!(estimate.error <= allowed)) return std::nullopt;
+  return estimate.value;
 }
 
 std::optional<double> differentiate(FieldFunction f, std::span<double> at, std::size_t j) {

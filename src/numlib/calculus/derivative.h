@@ -18,7 +18,8 @@ double firstStep(double x);
 // extrapolation table of Ridders. Each step after the first is 1.4 times shorter (a factor of 2
 // would meet periodic functions in step), over at most 80 rows of at most eight columns; a row with
 // a value that is not finite starts the table anew. The entry with the least error estimate counts.
-// Nothing when even that is too uncertain.
+// Where that is uncertain beside 0 the first step at 0 is tried too. Nothing when the estimate is
+// too uncertain all the same.
 std::optional<double> differentiate(RealFunction f, double x, int order = 1);
 
 // The first derivative of a function of several variables in the j-th, counted from 0, at a point,

@@ -20,9 +20,9 @@ struct Limits {
 // The limits of Legendre's points, if there are any.
 std::optional<Limits> readLimits() {
   if (!moreBeforeWords()) return std::nullopt;
-  const double from = evalScalarArg();
+  const double from = limitValue(evalScalarArg());
   expectChar(',');
-  const double to = evalScalarArg();
+  const double to = limitValue(evalScalarArg());
   return Limits{from, to};
 }
 
@@ -71,6 +71,7 @@ double gaussptBuiltin() {
     raiseError(ErrorKey::invalidData);
     return 0.0;
   }
+  pollInterrupt();
   const GaussPoints points =
       limits ? gaussPointsBetween(n, limits->from, limits->to) : gaussPoints(n, weight);
   if (!requireFinite(points.nodes) || !requireFinite(points.weights)) return 0.0;

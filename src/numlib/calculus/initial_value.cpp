@@ -30,13 +30,16 @@ class Journey {
   bool advance(double to) {
     while (m_t != to) {
       if (m_stepsLeft-- <= 0) return false;
-      const double rest = to - m_t;
+      const double rest = to - m_t - m_tRest;
       const bool last = m_proposal >= rest;
       const double length = last ? rest : m_proposal;
       double h = length;
       const bool done = m_stepper.tryStep(m_y, m_t, h);
       const double next = std::min(h, m_longest);
-      if (done) m_t = last ? to : m_t + length;
+      if (done && last)
+        arriveAt(to);
+      else if (done)
+        moveOn(length);
       // What a step cut short by the end of a piece allows is no reason for shorter ones behind it.
       m_proposal = done && last ? std::max(m_proposal, next) : next;
       if (!(m_proposal >= m_shortest)) return false;
@@ -45,9 +48,24 @@ class Journey {
   }
 
  private:
+  void arriveAt(double t) {
+    m_t = t;
+    m_tRest = 0;
+  }
+
+  // Far from t = 0 numbers lie so far apart that a sum of steps would go astray.
+  void moveOn(double length) {
+    length += m_tRest;
+    const double sum = m_t + length;
+    const double taken = sum - m_t;
+    m_tRest = (m_t - (sum - taken)) + (length - taken);
+    m_t = sum;
+  }
+
   Stepper& m_stepper;
   std::vector<double>& m_y;
   double m_t;
+  double m_tRest = 0;  // what m_t cannot hold of the time that has passed
   double m_longest, m_shortest;
   double m_proposal;
   std::int64_t m_stepsLeft;

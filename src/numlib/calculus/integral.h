@@ -16,7 +16,8 @@ struct Integral {
   IntegralOutcome outcome = IntegralOutcome::done;
 };
 
-// The integral of f from a to b, both finite, in either order; f is not evaluated at a or b.
+// The integral of f from a to b, both finite, in either order; f is not evaluated at a or b, unless
+// there is no number between.
 //
 // Adaptive and global: of at most `maxPieces` subintervals the one with the largest error is halved
 // next, each by the 21-point Gauss-Kronrod pair with the error estimate of QUADPACK. Done when the

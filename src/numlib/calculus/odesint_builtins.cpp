@@ -140,8 +140,8 @@ void refuseAt(double t) {
 double odesintBuiltin() {
   expectChar('(');
   RunningVariable t = RunningVariable::read();
-  const double from = readWordNumber();
-  const double to = readWordNumber();
+  const double from = limitValue(readWordNumber());
+  const double to = limitValue(readWordNumber());
   expectChar(',');
   TrialRow row = TrialRow::read();
   expectChar(',');
@@ -150,7 +150,7 @@ double odesintBuiltin() {
   RowFunctions functions = RowFunctions::read(FunctionForm::several, row, &t);
   const Options options = readOptions();
   const Problem problem{from, to, functions, row, options};
-  if (!row.begin() || !checkProblem(problem)) return 0.0;
+  if (!row.requireRow() || !checkProblem(problem)) return 0.0;
 
   const TextReturn end;
   const int pieces = static_cast<int>(options.tableRows);

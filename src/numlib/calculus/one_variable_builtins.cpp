@@ -27,9 +27,7 @@ struct Range {
 
 double readLimit() {
   expectChar(',');
-  const double limit = evalScalarArg();
-  if (std::fabs(limit) < presetValue("i#")) return limit;
-  return std::isnan(limit) ? limit : std::copysign(HUGE_VAL, limit);
+  return limitValue(evalScalarArg());
 }
 
 Range readRange() {
@@ -67,7 +65,8 @@ double finishIntegral(const Integral& integral) {
 
 double improperIntegral(RealFunction f, const Range& range) {
   if (range.a == range.b || std::isnan(range.a) || std::isnan(range.b)) {
-    passExpression(f, range.a);
+    // Beside the end: many an integrand is not defined at the end itself.
+    passExpression(f, range.a + firstStep(range.a));
     return range.a == range.b ? 0.0 : notFinite();
   }
   return finishIntegral(integrateImproper(f, range.a, range.b, accuracyAimed()));
@@ -124,11 +123,12 @@ double derivBuiltin() {
   variable.bind();
   // Beside the point: many a function is not defined at the point itself.
   const RunningExpression f = RunningExpression::read(variable, at + firstStep(at));
-  const int order = acceptChar(',') ? requireWhole(evalScalarArg(), 1, highestDerivative) : 1;
+  const double order = acceptChar(',') ? evalScalarArg() : 1;
   expectChar(')');
+  const int wholeOrder = requireWhole(order, 1, highestDerivative);
   if (!std::isfinite(at)) return notFinite();
   const TextReturn end;
-  const auto derivative = differentiate(f, at, order);
+  const auto derivative = differentiate(f, at, wholeOrder);
   end.go();
   return derivative ? *derivative : notReached();
 }

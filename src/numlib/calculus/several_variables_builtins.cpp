@@ -98,14 +98,8 @@ std::vector<double> fieldValues(int builtin, Derivatives& derivatives, int funct
 std::vector<double> boundsOf(DataArgument& argument) {
   const auto elements = argument.elements();
   std::vector<double> bounds(elements.begin(), elements.end());
-  const double none = presetValue("i#");
-  for (double& bound : bounds)
-    if (std::fabs(bound) >= none) bound = std::copysign(HUGE_VAL, bound);
+  std::ranges::transform(bounds, bounds.begin(), limitValue);
   return bounds;
-}
-
-bool allFinite(std::span<const double> values) {
-  return std::ranges::all_of(values, [](double x) { return std::isfinite(x); });
 }
 
 double finishSearch(const SearchResult& found, TrialRow& row, const TextReturn& end) {
@@ -137,7 +131,8 @@ double gradBuiltin() {
   expectChar(',');
   RowFunctions f = RowFunctions::read(FunctionForm::single, row);
   expectChar(')');
-  if (!row.begin() || !requireDistinct({name}, {row.matrix()})) return 0.0;
+  if (!row.requireRow() || !requireDistinct({name}, {row.matrix()})) return 0.0;
+  if (!requireFinite(row.start())) return 0.0;
 
   const TextReturn end;
   Derivatives derivatives(f, row);
@@ -159,8 +154,8 @@ double fieldBuiltin() {
   }
   RowFunctions functions = RowFunctions::read(FunctionForm::several, row);
   expectChar(')');
-  if (!row.begin() || !checkField(builtin, row, functions)) return 0.0;
-  if (!requireDistinct({name}, {row.matrix()})) return 0.0;
+  if (!row.requireRow() || !checkField(builtin, row, functions)) return 0.0;
+  if (!requireDistinct({name}, {row.matrix()}) || !requireFinite(row.start())) return 0.0;
 
   const TextReturn end;
   Derivatives derivatives(functions, row);
@@ -186,7 +181,7 @@ double minzsBuiltin() {
     expectChar(',');
     upper = readData();
   }
-  if (!row.begin()) return 0.0;
+  if (!row.requireRow()) return 0.0;
   std::vector<double> low, high;
   if (lower.matrix()) {
     if (!requireVectors({&lower, &upper})) return 0.0;
@@ -197,7 +192,7 @@ double minzsBuiltin() {
   if (row.size() > mostVariables) raiseError(ErrorKey::invalidData);
   for (std::size_t i = 0; i < low.size(); ++i)
     if (!(low[i] <= high[i])) raiseError(ErrorKey::invalidData);
-  if (!allFinite(row.start())) raiseError(ErrorKey::floatingPoint);
+  requireFinite(row.start());
 
   const TextReturn end;
   const SearchLimits limits{low, high, accuracyAimed(), evaluationsForEach * iterationBound(),

@@ -78,7 +78,7 @@ bool checkShapes(const NfitArguments& arguments) {
   if (!requireVectors({&arguments.x, &arguments.y})) return false;
   if (arguments.weights.matrix() && !requireVectors({&arguments.x, &arguments.weights}))
     return false;
-  return arguments.row.begin() &&
+  return arguments.row.requireRow() &&
          requireDistinct({arguments.row.name(), arguments.covariance},
                          {arguments.x.matrix(), arguments.y.matrix(), arguments.weights.matrix()});
 }

@@ -107,7 +107,10 @@ Complex divide(Complex a, Complex b) {
   return scaled(quotient, exponentA - exponentB);
 }
 
-double complexAbs(Complex z) { return std::hypot(z.re, z.im); }
+// The library's gives infinity for an infinite part beside not-a-number.
+double complexAbs(Complex z) {
+  return std::isnan(z.re) || std::isnan(z.im) ? kNaN : std::hypot(z.re, z.im);
+}
 Complex complexExp(Complex z) { return fromStandard(std::exp(toStandard(z))); }
 Complex complexLog(Complex z) { return fromStandard(std::log(withPositiveZeros(z))); }
 Complex complexSin(Complex z) { return fromStandard(std::sin(toStandard(z))); }

@@ -1,6 +1,7 @@
 #include "numlib/special/complex_builtins.h"
 
 #include <cmath>
+#include <limits>
 
 #include "interp/interpreter_state.h"
 #include "numlib/special/complex_arithmetic.h"
@@ -9,6 +10,8 @@
 namespace vexa {
 
 namespace {
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 // Of angle functions both parts are in the unit in force; logarithm and exponential keep to
 // radians, so that they undo each other.
@@ -45,7 +48,8 @@ double complexFunctionBuiltin() {
   expectChar(')');
   const Complex z{argument.re, argument.im};
   if (builtin == builtinCode("cabs")) return complexAbs(z);
-  const Complex w = valueOf(builtin, z);
+  const bool isNumber = !std::isnan(z.re) && !std::isnan(z.im);
+  const Complex w = isNumber ? valueOf(builtin, z) : Complex{kNaN, kNaN};
   Matrix* pair = newTempMatrix(1, 2);
   if (!pair) return 0.0;
   pair->at(1, 1) = w.re;

@@ -110,7 +110,7 @@ def improper_integrals():
 def derivatives():
     places = {
         "expSin": [1, -0.3, 4, 20],
-        "exp": [0, 1, 10, -5],
+        "exp": [0, 1, 10, -5, 1e-17, -1e-6, 0.003],
         "sin": [0.5, 100, -3],
         "ln": [1e-6, 1, 3e5],
         "gauss": [0.5, 1, 2],

@@ -38,6 +38,17 @@ TEST(Extremum, PlateausAndHolesDoNotMislead) {
   EXPECT_FALSE(findMinimum(wall, 0, 3, 2)->reached);
 }
 
+TEST(Extremum, EdgesAndSmallPlacesAreMetToo) {
+  const auto edge = [](double x) { return std::fabs(x - 3) + 1; };
+  EXPECT_NEAR(findMinimum(edge, -100, 97, 100)->value, 1, 1e-14);
+  for (const double scale : {1e-9, 1e-200}) {
+    const auto valley = [scale](double x) { return std::cosh(x / scale - 0.34) - 0.5; };
+    const auto found = findMinimum(valley, 0, scale, 100);
+    EXPECT_TRUE(found->reached);
+    EXPECT_NEAR(found->value, 0.5, 1e-14) << scale;
+  }
+}
+
 TEST(Root, IsWithinTwoUlp) {
   struct Case {
     double (*f)(double);
