@@ -15,6 +15,9 @@ constexpr int halfOfTheBits = 26;
 constexpr int refinements = 3;
 constexpr double firstSpread = 0x1p-14;  // of the bracket
 constexpr double usefulBend = 1e-8;      // of the value
+constexpr double edgeReach = 0x1p-23;    // of the bracket
+constexpr double edgeRise = 1e-15;       // of the value
+constexpr int goldenSteps = 64;
 
 // From a to b with both ends exact and no overflow between.
 double sampleAt(double a, double b, int i) {
@@ -62,6 +65,41 @@ Extremum refine(RealFunction f, Extremum found, double low, double high) {
   return found;
 }
 
+// How much f is higher at a distance from the place found, at the higher side.
+double riseAt(RealFunction f, const Extremum& found, double distance) {
+  return std::max(f(found.x - distance), f(found.x + distance)) - found.value;
+}
+
+// A smooth f is flat around its lowest value; at an edge it is not, and every digit of the place
+// counts. There golden section brings the rest, as far as numbers go.
+Extremum sharpen(RealFunction f, Extremum found, double low, double high) {
+  const double reach = (high - low) * edgeReach;
+  if (!(found.x - reach > low && found.x + reach < high)) return found;
+  const double rise = riseAt(f, found, reach);
+  if (!(rise > edgeRise * std::fabs(found.value) && rise < 3 * riseAt(f, found, reach / 2)))
+    return found;
+  const auto at = [&](double x) {
+    const Extremum here{x, f(x)};
+    if (here.value < found.value) found = here;
+    return here;
+  };
+  constexpr double golden = 0.6180339887498949;
+  double a = found.x - reach, b = found.x + reach;
+  Extremum left = at(b - golden * (b - a)), right = at(a + golden * (b - a));
+  for (int step = 0; step < goldenSteps && left.x < right.x; ++step) {
+    if (left.value < right.value) {
+      b = right.x;
+      right = left;
+      left = at(b - golden * (b - a));
+    } else {
+      a = left.x;
+      left = right;
+      right = at(a + golden * (b - a));
+    }
+  }
+  return found;
+}
+
 }  // namespace
 
 std::optional<Extremum> findMinimum(RealFunction f, double a, double b, int maxSteps) {
@@ -87,7 +125,10 @@ std::optional<Extremum> findMinimum(RealFunction f, double a, double b, int maxS
   const auto [u, value] = boost::math::tools::brent_find_minima(
       [&](double at) { return finite(placeOf(at)); }, (low - middle) / length,
       (high - middle) / length, halfOfTheBits, steps);
-  if (value < result.value) result = refine(finite, {placeOf(u), value}, low, high);
+  if (value < result.value) {
+    result = refine(finite, {placeOf(u), value}, low, high);
+    result = sharpen(finite, result, low, high);
+  }
   result.reached = steps < bound;
   return result;
 }

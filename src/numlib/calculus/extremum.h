@@ -15,9 +15,9 @@ struct Extremum {
 
 // Where f is least between a and b, ends included, in either order: 33 equally spaced samples, the
 // first from a on, Brent's method between the neighbours of the best, at most `maxSteps`, and at
-// last parabolas of a width that suits f. A sample wins unless something between is lower, and of
-// equal samples the first. Values that are not finite count as the worst; when all samples are so
-// there is no result.
+// last parabolas of a width that suits f, or golden section at an edge. A sample wins unless
+// something between is lower, and of equal samples the first. Values that are not finite count as
+// the worst; when all samples are so there is no result.
 //
 // The value of a smooth f is good to a few roundings, the abscissa to about 1e-8 of the length on
 // which f changes, which is all that the values tell.
