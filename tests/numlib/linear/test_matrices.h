@@ -22,7 +22,7 @@ namespace vexa {
 
 inline constexpr double epsilon = std::numeric_limits<double>::epsilon();
 // tol# times 1e-10, as at the start of a run.
-inline constexpr double startTolerance = 1e-16;
+inline constexpr double startTolerance = 1e-14;
 
 struct TestMatrix {
   TestMatrix(int rowCount, int colCount, double value = 99.0)
