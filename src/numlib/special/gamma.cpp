@@ -33,12 +33,17 @@ Real logGammaReal(Real x) {
   return ::lgammal_r(x, &sign);
 }
 
+// ln(x / a) - (x - a) / a, without cancellation for x near a.
+Real logRatioMinusExcess(Real a, Real x) {
+  const Real u = (x - a) / a;
+  return std::fabs(u) > 0.5L ? std::log(x / a) - u : logarithmMinusExcess(u);
+}
+
 // x^a e^-x / gamma(a + 1). For large a the exponents are large and nearly cancel, so there the
 // quantity is put together from what is left of them.
 Real leadingFactor(Real a, Real x) {
   if (a < kStirlingFrom) return std::exp(a * std::log(x) - x - logGammaReal(a + 1));
-  return std::exp(a * logarithmMinusExcess((x - a) / a) - stirlingRemainder(a)) /
-         std::sqrt(kTwoPi * a);
+  return std::exp(a * logRatioMinusExcess(a, x) - stirlingRemainder(a)) / std::sqrt(kTwoPi * a);
 }
 
 // P(a, x) = factor (1 + x/(a+1) + x^2/((a+1)(a+2)) + ...): all terms positive, and falling for
@@ -84,7 +89,7 @@ Real fractionForQ(Real a, Real x) {
 enum class Side { lower, upper };
 
 Real uniform(Real a, Real x, Side side) {
-  const Real halfSquare = -logarithmMinusExcess((x - a) / a);
+  const Real halfSquare = -logRatioMinusExcess(a, x);
   const Real eta = std::copysign(std::sqrt(2 * halfSquare), x - a);
   const Real c0 =
       -1.0L / 3 +

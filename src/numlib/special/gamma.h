@@ -29,7 +29,8 @@ double factorial(int n);
 
 // For functions of large parameters, in extended precision.
 //
-// ln(1 + u) - u for u > -1, without cancellation where u is small.
+// ln(1 + u) - u for u > -1, without cancellation where u is small; near -1 with the digits that
+// 1 + u has left.
 long double logarithmMinusExcess(long double u);
 // ln gamma(a) - ((a - 1/2) ln a - a + ln(2 pi)/2), for a >= 20.
 long double stirlingRemainder(long double a);

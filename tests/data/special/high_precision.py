@@ -153,6 +153,7 @@ def beta_family():
              (1e5, 98000.0), (1e5, 100300.0), (1e6, 963000.0), (1e6, 1.002e6), (1e6, 1.03e6), (2e7, 2.01e7), (2e7, 1.99e7), (1e-8, 1e-8), (0.25, 700.0)]
     for a in spread(-3, 4, 60):
         pairs.append((a, max(1e-3, a + random.uniform(-8, 8) * math.sqrt(a))))
+    pairs += [(23.339227118130317, 1e-9), (150.0, 1.5)]
     write("gammainc.csv", "a,x,P(a,x)", tabulate(tail(gamma_lower, False), pairs))
     write("gammainc_upper.csv", "a,x,1-P(a,x)", tabulate(tail(gamma_lower, True), pairs))
 
