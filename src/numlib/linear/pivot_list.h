@@ -1,5 +1,6 @@
 // Row numbers kept in the elements of a matrix or work vector: two of 32 bits to an element, so
-// that the interchanges of a factorisation can be stored as a variable of the language.
+// that the interchanges of a factorisation can be stored as a variable of the language. There, and
+// in the files to which such variables go, rows count from 1; here from 0.
 #pragma once
 
 #include <cstddef>
@@ -18,12 +19,13 @@ class PivotList {
   std::size_t capacity() const { return 2 * m_elements.size(); }
 
   int operator[](int k) const {
-    std::int32_t number;
+    // Without a sign: a list from a file may hold anything.
+    std::uint32_t number;
     std::memcpy(&number, place(k), sizeof number);
-    return number;
+    return static_cast<int>(number - 1);
   }
   void set(int k, int row) {
-    const std::int32_t number = row;
+    const auto number = static_cast<std::uint32_t>(row) + 1;
     std::memcpy(place(k), &number, sizeof number);
   }
 

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <limits>
 #include <utility>
 #include <vector>
@@ -167,6 +169,9 @@ TEST_F(LuTest, TheLastOfEqualCandidatesBecomesThePivot) {
   Factors factors(TestMatrix(3, 3, {1, 1, 0, 20, 20, 1, -3, 1, 3}));
   EXPECT_EQ(factors.pivots()[0], 2);
   EXPECT_EQ(factors.lu(1, 1), -3);
+  std::int32_t stored = 0;
+  std::memcpy(&stored, factors.storage.data(), sizeof stored);
+  EXPECT_EQ(stored, 3) << "rows count from 1 in a file";
 }
 
 TEST_F(LuTest, SingularByZeroRowOrByTolerance) {
