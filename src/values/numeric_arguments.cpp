@@ -139,12 +139,12 @@ DataArgument readData() {
 
 bool requireVectors(std::initializer_list<const DataArgument*> vectors) {
   const std::size_t length = vectors.size() ? (*vectors.begin())->size() : 0;
-  for (const DataArgument* vector : vectors) {
-    if (vector->isVector() && vector->size() == length) continue;
-    raiseError(ErrorKey::ordersIncompatible);
-    return false;
-  }
-  return true;
+  const auto fits = [length](const DataArgument* vector) {
+    return vector->isVector() && vector->size() == length;
+  };
+  if (std::ranges::all_of(vectors, fits)) return true;
+  raiseError(ErrorKey::ordersIncompatible);
+  return false;
 }
 
 bool requireFinite(std::span<const double> values) {

@@ -24,11 +24,16 @@ constexpr char codeBytes[] = {OP_LT, OP_LT, OP_LE,      OP_LE,      OP_GT,     O
                               OP_GE, OP_EQ, OP_EQ,      OP_NE,      OP_NE,     OP_AND, OP_AND,
                               OP_OR, OP_OR, OP_AMP_MUL, OP_AMP_DIV, OP_AMP_POW};
 
-std::string_view codeOnce(OperatorCode code) {
-  return {code <= OP_OR ? codeBytes + 2 * (code - 1) : codeBytes + 16 + (code - OP_AMP_MUL), 1};
+const char* doubledCode(OperatorCode code) {
+  const std::ptrdiff_t before = code - 1;
+  return codeBytes + 2 * before;
 }
 
-std::string_view codeTwice(OperatorCode code) { return {codeBytes + 2 * (code - 1), 2}; }
+std::string_view codeOnce(OperatorCode code) {
+  return {code <= OP_OR ? doubledCode(code) : codeBytes + 16 + (code - OP_AMP_MUL), 1};
+}
+
+std::string_view codeTwice(OperatorCode code) { return {doubledCode(code), 2}; }
 
 // The line suffix "// 00012\r" at a position inside a literal; it belongs to no literal.
 bool isLineSuffix(const char* at) {
@@ -226,7 +231,7 @@ TokenType scanNumber(Scanner& scanner, const char* start) {
   constexpr int exactDigits = 15;
   std::int64_t digits = 0;
   const char* at = appendDigits(start, digits);
-  double value = static_cast<double>(digits);
+  auto value = static_cast<double>(digits);
   if (isCharacter(*at, charWordPart)) {
     if (*at == '.') {
       const char* fraction = at + 1;

@@ -57,7 +57,7 @@ class TridiagonalBlock {
     return subMatrix(m_q, i + 1 - m_first, 0, m_last - i - 1, cols);
   }
 
-  void catchUp(int i) {
+  void catchUp(int i) const {
     std::array<double, kBlock> u{}, q{};
     for (int k = i + 1; k < m_last; ++k) {
       u[size(k - i - 1)] = -m_a(k, i);
@@ -67,7 +67,7 @@ class TridiagonalBlock {
     addRows(m_a.row(i), q.data(), vectorsBelow(i, i + 1));
   }
 
-  void findPartner(int i, double h, std::span<double> q) {
+  void findPartner(int i, double h, std::span<double> q) const {
     const std::span<const double> u{m_a.row(i), size(i)};
     multiplySymmetric(subMatrix(m_a, 0, 0, i, i), u, q);
     std::array<double, kBlock> alongU{}, alongQ{};
