@@ -1,9 +1,12 @@
 #include "numlib/calculus/gauss_points.h"
 
 #include <Eigen/Eigenvalues>
+#include <boost/math/special_functions/beta.hpp>
 #include <cmath>
 #include <cstddef>
 #include <numbers>
+
+#include "numlib/special/boost_policy.h"
 
 namespace vexa {
 
@@ -21,11 +24,18 @@ struct Recurrence {
   std::size_t size() const { return diagonal.size(); }
 };
 
+// The logarithm of the beta function. The logarithms of gamma are large numbers that nearly cancel,
+// so they serve only where the function itself leaves the range.
+Real logBeta(Real a, Real b) {
+  const Real value = quietly([=] { return boost::math::beta(a, b, IgnoreErrors()); });
+  if (std::isnormal(value)) return std::log(value);
+  return std::lgamma(a) + std::lgamma(b) - std::lgamma(a + b);
+}
+
 void fillJacobi(Recurrence& r, Real alpha, Real beta) {
   const Real sum = alpha + beta;
   r.symmetric = alpha == beta;
-  r.logTotal = (sum + 1) * std::numbers::ln2_v<Real> + std::lgamma(alpha + 1) +
-               std::lgamma(beta + 1) - std::lgamma(sum + 2);
+  r.logTotal = (sum + 1) * std::numbers::ln2_v<Real> + logBeta(alpha + 1, beta + 1);
   r.diagonal[0] = (beta - alpha) / (sum + 2);
   for (std::size_t k = 1; k < r.size(); ++k) {
     const auto j = static_cast<Real>(k);

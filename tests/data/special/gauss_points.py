@@ -58,7 +58,8 @@ def main():
                                        ("hermite", 0.0, 0.0, (1, 2, 7, 64, 100)),
                                        ("chebyshev", 0.0, 0.0, (1, 2, 7, 64)),
                                        ("jacobi", 1.0, 0.0, (1, 7, 64)), ("jacobi", -0.9, 3.5, (2, 64)),
-                                       ("jacobi", -0.5, -0.5, (3,)), ("jacobi", 2.5, 2.5, (64,))):
+                                       ("jacobi", -0.5, -0.5, (3,)), ("jacobi", 2.5, 2.5, (64,)), ("jacobi", 1000.0, 1000.0, (50,)),
+                                       ("laguerre", -1 + 1e-14, 0.0, (100,))):
         for n in sizes:
             diagonal, squares, total = recurrence(family, n, alpha, beta)
             off = np.sqrt(np.array([float(s) for s in squares[1:]]))
