@@ -166,6 +166,11 @@ def beta_family():
     triples += [(82350.52759245715, 55186.78778016409, 0.5913896747141746),
                 (6061573.503028736, 7918159.091936301, 0.4328699568520698),
                 (12686.720740800043, 37755.51309629557, 0.289597005983654), (3e9, 7e9, 0.300005)]
+    own = random.Random(8)  # leaves the random numbers of other rows as they were
+    for k in range(48):
+        a, b = 10 ** own.uniform(5, 11), 10 ** own.uniform(5 if k % 3 else -1, 11)
+        mean, width = a / (a + b), math.sqrt(a * b / (a + b) ** 2 / (a + b + 1))
+        triples.append((a, b, min(max(mean + own.uniform(-7, 7) * width, 1e-9), 1 - 2**-40)))
     write("betainc.csv", "a,b,x,I", tabulate(tail(beta_lower, False), triples))
     write("betainc_upper.csv", "a,b,x,1-I", tabulate(tail(beta_lower, True), triples))
 
@@ -207,6 +212,10 @@ def elliptic():
     triples += [(0.5, 3.0, 0.8), (0.1, 99.0, 0.999), (0.3, 2.0, 2.5), (0.2, -50.0, 4.0), (1.2, 1.1, 0.5)]
     triples += [(-0.000515333638351989, 30.068019730815514, -1940.4905285426187), (0.3, -1e6, 2.5),
                 (0.1, 1 / math.sin(0.1) ** 2, 0.5), (0.01, 9999.0, 99.9)]
+    own = random.Random(8)  # leaves the random numbers of other rows as they were
+    for _ in range(36):
+        k = 10 ** own.uniform(0, 3)
+        triples.append((math.asin(own.uniform(0.01, 0.9999) / k), -(10 ** own.uniform(0, 12)), k))
     write("ellipi.csv", "phi,n,k,Pi", tabulate(third, triples))
     pairs = [(n, k) for n in characteristics + [-1e12] for k in moduli]
     write("ellipi_complete.csv", "n,k,Pi", tabulate(lambda n, k: mpmath.ellippi(n, k * k), pairs))
