@@ -95,6 +95,23 @@ TEST(MinimumSearch, BoundsAreKept) {
   EXPECT_EQ(fixed.place, upper);
 }
 
+// The library refuses steps that do not fit between the bounds twice; without them the way is twice
+// as long.
+TEST(MinimumSearch, NarrowBoundsCostNoMore) {
+  int count = 0;
+  const auto f = [&count](Point v) {
+    ++count;
+    double sum = 0;
+    for (std::size_t i = 0; i < v.size(); ++i)
+      sum +=
+          (1 + 10.0 * static_cast<double>(i)) * square(v[i] - 0.004 + (i > 0 ? 0.3 * v[i - 1] : 0));
+    return sum;
+  };
+  const Row lower(6, 0.0), upper(6, 0.01);
+  EXPECT_LT(searchMinimum(f, Row(6, 0.009), {lower, upper}).value, 1e-20);
+  EXPECT_LT(count, 1200);
+}
+
 TEST(MinimumSearch, WhatHasNoMinimumIsTold) {
   const auto outcome = [](auto f) { return searchMinimum(f, Row{1, 2}, {}).outcome; };
   EXPECT_EQ(outcome([](Point v) { return v[0] + v[1]; }), SearchOutcome::withoutMinimum);
