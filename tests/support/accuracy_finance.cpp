@@ -82,7 +82,7 @@ double partOfDate(Arguments v) {
 }
 
 void addDates(std::vector<AccuracyEntry>& table) {
-  // The last place is below 1e-11 days until 1989, 1.5e-11 until 2079 and 5e-10 in the year 9999.
+  // The last place is below 1e-11 days until 2079, 1.5e-11 until 2258 and 5e-10 in the year 9999.
   table.push_back({"date2serial", "dates/date2serial.csv", 0.51, "ulp", lastPlace, serialOfRow});
   // All parts are whole but the seconds, the double next to so many thousandths; some are 0.
   const auto lastPlaceOrOne = [](const ReferenceRow& row) {
