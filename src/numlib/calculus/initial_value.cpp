@@ -20,7 +20,8 @@ class Journey {
         m_t(from),
         m_longest(settings.longestStep),
         m_shortest(shortestStep * (to - from)),
-        m_proposal(settings.longestStep),
+        m_proposal(
+            std::max(std::min(stepper.firstStep(y, from, m_longest), m_longest), m_shortest)),
         m_stepsLeft(settings.mostSteps) {}
 
   double t() const { return m_t; }

@@ -54,6 +54,23 @@ class Rodas final : public Stepper {
     for (Eigen::VectorXd& stage : m_stages) stage.resize(static_cast<Eigen::Index>(size));
   }
 
+  // From the slope and its change along it (Hairer, Norsett and Wanner, Solving Ordinary
+  // Differential Equations I, II.4): a step far beyond the initial transient has derivatives by
+  // differences as long as itself, which spoil the shorter steps after it.
+  double firstStep(const std::vector<double>& y, double t, double longest) override {
+    m_f(t, y, m_slope);
+    const double state = sizeOf(y, y), pace = sizeOf(m_slope, y);
+    double h = longest * 1e-6;
+    if (state > 1e-5 && pace > 1e-5) h = std::min(state / pace / 100, longest);
+    m_argument = y;
+    for (std::size_t k = 0; k < y.size(); ++k) m_argument[k] += h * m_slope[k];
+    m_f(t + h, m_argument, m_moved);
+    for (std::size_t k = 0; k < y.size(); ++k) m_moved[k] -= m_slope[k];
+    const double steepest = std::max(pace, sizeOf(m_moved, y) / h);
+    if (!std::isfinite(steepest)) return h * leastChange;
+    return std::min(100 * h, std::pow(steepest * 100, -0.25));
+  }
+
   bool tryStep(std::vector<double>& y, double t, double& h) override {
     differentiate(y, t, h);
     m_system = -m_jacobian;
@@ -122,20 +139,24 @@ class Rodas final : public Stepper {
     m_stages[static_cast<std::size_t>(i)].noalias() = m_factors.solve(right);
   }
 
-  // The last stage is the difference of the two methods. Its largest element, in units of the error
-  // aimed at; m_argument is the new state without that stage.
-  double errorOf(const std::vector<double>& y) const {
-    const Eigen::VectorXd& difference = m_stages.back();
+  // The largest element in units of the error aimed at for a state.
+  double sizeOf(std::span<const double> elements, std::span<const double> y) const {
     double largest = 0;
     for (std::size_t k = 0; k < y.size(); ++k) {
-      const double scale =
-          m_settings.absoluteError +
-          m_settings.relativeError * std::max(std::fabs(y[k]), std::fabs(m_argument[k]));
-      const double error = std::fabs(difference[static_cast<Eigen::Index>(k)]) / scale;
-      if (!std::isfinite(error)) return error;
-      largest = std::max(largest, error);
+      const double scale = m_settings.absoluteError + m_settings.relativeError * std::fabs(y[k]);
+      const double size = std::fabs(elements[k]) / scale;
+      if (!std::isfinite(size)) return size;
+      largest = std::max(largest, size);
     }
     return largest;
+  }
+
+  // The last stage is the difference of the two methods; m_argument is the new state without it.
+  double errorOf(const std::vector<double>& y) {
+    const Eigen::VectorXd& difference = m_stages.back();
+    for (std::size_t k = 0; k < y.size(); ++k)
+      m_moved[k] = std::max(std::fabs(y[k]), std::fabs(m_argument[k]));
+    return sizeOf({difference.data(), y.size()}, m_moved);
   }
 
   DerivativeFunction m_f;
