@@ -18,13 +18,14 @@ import calculus_peers
 import fitting_peers
 import interpolation_peers
 import special_peers
+import text_peers
 
 DATA = pathlib.Path(__file__).resolve().parent.parent / "data"
 
 # Each module has scipy_functions(), which gives for the name of an entry a function of a row's
 # arguments, and OCTAVE, which gives an expression in a1, a2, ... or a function that makes one from
 # the row's texts; OCTAVE_FUNCTIONS defines what the expressions call. None passes over a row.
-FAMILIES = [special_peers, calculus_peers, interpolation_peers, fitting_peers]
+FAMILIES = [special_peers, calculus_peers, text_peers, interpolation_peers, fitting_peers]
 
 
 def argument(text):

@@ -40,8 +40,9 @@ std::string numberText(double x) {
 // The number that a program's statements print; not-a-number when they end with a fault.
 double printedBy(const std::string& statements) {
   ScriptedSession session("main()\n{\n" + statements + "\n}\n");
-  if (!session.run()) return std::nan("");
-  return std::strtod(session.outputText().c_str(), nullptr);
+  session.run();
+  const std::string text = session.outputText();
+  return text.empty() ? std::nan("") : std::strtod(text.c_str(), nullptr);
 }
 
 // The row's numbers from one on, as a list of a program.
@@ -93,6 +94,15 @@ double ofPlace(const ReferenceRow& row) {
   return printedBy(searchFrom(row, 1) + "print(\"%.17g\", v[" + numberText(row[0] + 1) + "]);");
 }
 
+// An element of the state at the end, for a method's words.
+auto ofInitialValue(std::string words) {
+  return [=](Arguments v) {
+    return printedBy("!y = " + listFrom(v, 3) + ";\nodesint(t, " + numberText(v[1]) + ", " +
+                     numberText(v[2]) + ", y, " + functionsOf(v) + words +
+                     ");\nprint(\"%.17g\", y[" + numberText(v[0]) + "]);");
+  };
+}
+
 double atLeastOne(const ReferenceRow& row) { return std::max(sizeOf(row), 1.0); }
 
 // Rows of fields hold the largest of the derivatives.
@@ -103,6 +113,8 @@ void addPrograms(std::vector<AccuracyEntry>& table) {
   const auto value = [](const ReferenceRow& row) { return 1e-14 * sizeOf(row); };
   const auto searchPlace = [](const ReferenceRow& row) { return 1e-6 * atLeastOne(row); };
   const auto searchValue = [](const ReferenceRow& row) { return 1e-12 * atLeastOne(row); };
+  const auto state = [](const ReferenceRow& row) { return 1e-8 * atLeastOne(row); };
+  const auto stiffState = [](const ReferenceRow& row) { return 1e-7 * atLeastOne(row); };
   table.insert(
       table.end(),
       {{"root1", "calculus/zeros.csv", 2, "ulp", lastPlace, ofInterval("root1", "r")},
@@ -123,8 +135,10 @@ void addPrograms(std::vector<AccuracyEntry>& table) {
         ofField("jacob")},
        {"minzs, value", "calculus/search_values.csv", 1, "1e-12 max(1, |f|)", searchValue,
         [](Arguments v) { return printedBy(searchFrom(v, 0) + "print(\"%.17g\", m);"); }},
-       {"minzs, place", "calculus/search_places.csv", 1, "1e-6 max(1, |v|)", searchPlace,
-        ofPlace}});
+       {"minzs, place", "calculus/search_places.csv", 1, "1e-6 max(1, |v|)", searchPlace, ofPlace},
+       {"odesint", "calculus/initial_values.csv", 1, "1e-8 max(1, |y|)", state, ofInitialValue("")},
+       {"odesint, stiff", "calculus/stiff_values.csv", 1, "1e-7 max(1, |y|)", stiffState,
+        ofInitialValue(", \"stiff\"")}});
 }
 
 }  // namespace
