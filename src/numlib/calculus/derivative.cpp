@@ -142,7 +142,7 @@ Estimate estimateFrom(double first, RealFunction f, double x, int order) {
 }
 
 // Relative errors, by the order, from which on another first step is worth its evaluations.
-constexpr double doubtful[] = {0, 1e-11, 1e-9, 1e-8, 1e-6};
+constexpr double doubtful[] = {0, 1e-12, 1e-10, 1e-9, 1e-7};
 
 }  // namespace
 
