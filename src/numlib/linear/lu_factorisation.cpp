@@ -15,6 +15,8 @@ namespace {
 
 // Columns that are eliminated one by one; wider parts are halved.
 constexpr int kLeaf = 16;
+// Columns that smaller orders bring up to date together.
+constexpr int kPanel = 64;
 
 std::size_t size(int count) { return static_cast<std::size_t>(count); }
 
@@ -44,36 +46,35 @@ class Factorisation {
       if (largest == 0.0) return Outcome::singular;
       m_scale[size(i)] = 1.0 / largest;
     }
-    return m_useKernels ? factorColumns(0, m_a.rows) : factorLeafByLeaf();
+    return m_useKernels ? factorColumns(0, m_a.rows) : factorPanelByPanel();
   }
 
  private:
-  // No column is touched before its turn, so that a singular matrix is left as the column-by-column
-  // form leaves it.
-  Outcome factorLeafByLeaf() {
+  // No panel is touched before its turn, and what was ahead of a failing column inside its panel is
+  // put back: so a singular matrix is left as the column-by-column form leaves it.
+  Outcome factorPanelByPanel() {
     const int n = m_a.rows;
-    std::vector<double> untouched(size(n) * size(kLeaf));
-    for (int first = 0; first < n; first += kLeaf) {
-      const int last = std::min(first + kLeaf, n);
-      for (int i = 0; i < n; ++i)
-        std::copy(m_a.row(i) + first, m_a.row(i) + last, untouched.begin() + i * kLeaf);
+    std::vector<double> untouched(size(n) * size(std::min(n, kPanel)));
+    for (int first = 0; first < n; first += kPanel) {
+      const int last = std::min(first + kPanel, n);
+      const MatrixView kept{untouched.data(), n, last - first};
+      for (int i = 0; i < n; ++i) std::copy_n(m_a.row(i) + first, kept.cols, kept.row(i));
       update(0, first, last);
-      const Outcome outcome = eliminateColumns(first, last);
-      if (outcome == Outcome::singular) restoreBehindFailure(first, last, untouched);
+      const Outcome outcome = factorColumns(first, last);
+      if (outcome == Outcome::singular) restoreBehindFailure(first, kept);
       if (outcome != Outcome::done) return outcome;
     }
     return Outcome::done;
   }
 
-  void restoreBehindFailure(int first, int last, std::span<double> untouched) {
+  void restoreBehindFailure(int first, MatrixView kept) {
     for (int j = first; j <= m_failedColumn; ++j) {
-      const auto row = [&](int i) { return untouched.begin() + i * kLeaf; };
-      if (m_pivots[j] != j) std::swap_ranges(row(j), row(j) + kLeaf, row(m_pivots[j]));
+      if (m_pivots[j] != j)
+        std::swap_ranges(kept.row(j), kept.row(j) + kept.cols, kept.row(m_pivots[j]));
     }
-    for (int i = 0; i < m_a.rows; ++i) {
-      const double* const kept = untouched.data() + i * kLeaf;
-      std::copy(kept + (m_failedColumn + 1 - first), kept + (last - first),
-                m_a.row(i) + m_failedColumn + 1);
+    const int behind = m_failedColumn + 1;
+    for (int i = 0; i < kept.rows; ++i) {
+      std::copy(kept.row(i) + (behind - first), kept.row(i) + kept.cols, m_a.row(i) + behind);
     }
   }
 
