@@ -191,11 +191,12 @@ double returnOfFlows(bool byDays) {
   const std::span<const double> v = amounts.elements();
   const std::span<const double> serials = byDays ? dates.elements() : std::span<const double>{};
   if (!requireFinite(v) || !requireFinite(serials) || !requireFinite({&guess, 1})) return 0.0;
+  const std::vector<double> days = readDays(serials);
+  if (days.size() != serials.size()) return 0.0;
   if (!hasBothSigns(v))
     return refuse(byDays ? "xirr> values of both signs are needed"
                          : "irr> values of both signs are needed");
-  const std::vector<double> days = readDays(serials);
-  if (days.size() != serials.size() || !checkRate(guess)) return 0.0;
+  if (!checkRate(guess)) return 0.0;
   return rateResult(byDays ? internalRateByDays(v, days, guess, askUser)
                            : internalRate(v, guess, askUser));
 }
