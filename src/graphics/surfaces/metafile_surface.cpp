@@ -195,8 +195,8 @@ void putFont(std::string& bytes, const FontDescription& font) {
 
 }  // namespace
 
-MetafileSurface::MetafileSurface(const PicturePage& page, std::string description)
-    : m_page(page), m_description(std::move(description)) {}
+MetafileSurface::MetafileSurface(PicturePage page, std::string description)
+    : m_page(std::move(page)), m_description(std::move(description)) {}
 
 std::optional<std::string> MetafileSurface::document() const {
   return framed({0, 0, m_page.width - 1, m_page.height - 1});

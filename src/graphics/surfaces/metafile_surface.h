@@ -18,7 +18,7 @@ namespace vexa {
 class MetafileSurface : public DrawingSurface {
  public:
   // `description` is what programs show about the picture.
-  MetafileSurface(const PicturePage& page, std::string description);
+  MetafileSurface(PicturePage page, std::string description);
 
   // The whole file, framed by the page; nothing when it is longer than the format can say.
   std::optional<std::string> document() const;

@@ -112,7 +112,7 @@ bool ColumnRotations::applyAll() {
     firstCol = std::min({firstCol, m_sweeps[k].start, last});
     lastCol = std::max({lastCol, m_sweeps[k].start, last});
   }
-  const double rowWork = static_cast<double>(m_rotations.size());
+  const auto rowWork = static_cast<double>(m_rotations.size());
   const int threads = rowWork * m_target.rows < kThreadsWork ? 1 : loopThreads();
   const std::size_t panelSize = static_cast<std::size_t>(m_target.cols) * kPanelRows;
   m_panels.resize(std::max(m_panels.size(), panelSize * static_cast<std::size_t>(threads)));

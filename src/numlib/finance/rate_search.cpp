@@ -43,16 +43,16 @@ std::optional<double> searchRate(const WorthAtRate& worth, double guess) {
     const long double u = middle + step * stepWidth;
     return Sample{u, worth(u)};
   };
-  Sample left = sample(0);
-  if (left.worth == 0) return guess;
-  Sample right = left;
+  Sample first = sample(0);
+  if (first.worth == 0) return guess;
+  Sample last = first;
   for (int k = 1; k <= stepsToEachSide; ++k) {
-    const Sample before = sample(-k);
-    if (const auto rate = zeroBetween(worth, before, left)) return rate;
-    left = before;
-    const Sample behind = sample(k);
-    if (const auto rate = zeroBetween(worth, right, behind)) return rate;
-    right = behind;
+    const Sample earlier = sample(-k);
+    if (const auto rate = zeroBetween(worth, earlier, first)) return rate;
+    first = earlier;
+    const Sample later = sample(k);
+    if (const auto rate = zeroBetween(worth, last, later)) return rate;
+    last = later;
   }
   return std::nullopt;
 }
