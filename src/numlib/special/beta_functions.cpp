@@ -85,6 +85,7 @@ struct LargeBeta {
 
 // From here on the library's powers lose digits, up to half of them for parameters of 1e10.
 constexpr double kLargeFrom = 1000;
+constexpr Real kMostTerms = 1e7L;  // ten thousands are usual at the upper end
 
 // The continued fraction of DiDonato and Morris (ACM TOMS 18, 1992, BFRAC), forwards by Lentz's
 // method, with the leading factor put together from what is left of large exponents.
@@ -96,7 +97,8 @@ double betaByFraction(const LargeBeta& p) {
   if (factor == 0) return p.ofLower(0);
   Real value = a * (p.below + 1) / (a + 1);
   Real c = value, d = 0, step = 0;
-  for (Real n = 1; std::fabs(step - 1) > 2 * std::numeric_limits<Real>::epsilon(); n += 1) {
+  constexpr Real kSettled = 2 * std::numeric_limits<Real>::epsilon();
+  for (Real n = 1; std::fabs(step - 1) > kSettled && n < kMostTerms; n += 1) {
     const Real middle = a + 2 * n - 1;
     const Real numerator =
         (a + n - 1) / middle * ((sum + n - 1) / middle) * (n * (b - n)) * (p.x * p.x);
