@@ -173,7 +173,9 @@ double ellipticE(double phi, double k) {
   return quietly([=] {
     if (std::fabs(k) > 1) {
       if (std::fabs(phi) >= kQuarterTurn) return kNaN;
+      // The library would go round with not-a-number until it tires.
       const Real cosine = Reciprocal(phi, k).at.cosine;
+      if (std::isnan(cosine)) return kNaN;
       return static_cast<double>(secondByCarlson(at, k, cosine * cosine));
     }
     const Modulus modulus(k);
