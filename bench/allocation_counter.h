@@ -1,6 +1,7 @@
 #pragma once
 
-// Counts the allocations of the benchmark program, to show where there are none.
+// Counts the allocations of a program, to show where there are none. The program gets its own
+// operator new with it.
 
 #include <cstddef>
 

@@ -2,36 +2,16 @@
 // as many values allocates as often as a short one, but for what grows with its result.
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <cstdlib>
-#include <new>
 #include <string>
 
+#include "bench/allocation_counter.h"
 #include "support/scripted_shell.h"
-
-namespace {
-
-std::atomic<long> allocations = 0;
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-  ++allocations;
-  if (void* const memory = std::malloc(size)) return memory;
-  throw std::bad_alloc();
-}
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  ++allocations;
-  return std::malloc(size);
-}
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace vexa {
 namespace {
 
 struct Count {
-  long allocations = 0;
+  std::size_t allocations = 0;
   double evaluations = 0;
 };
 
@@ -39,9 +19,9 @@ struct Count {
 Count countOf(const std::string& call) {
   ScriptedSession session("c() { e = e + 1; return 0; }\nfloat e;\nmain() { e = 0; " + call +
                           "; }");
-  const long before = allocations;
+  const std::size_t before = allocationCount();
   session.run();
-  const Count count{allocations - before, std::stod(session.evaluate("e"))};
+  const Count count{allocationCount() - before, std::stod(session.evaluate("e"))};
   EXPECT_EQ(session.view.lastOutcome(), RunOutcome::normal) << call;
   return count;
 }
@@ -50,7 +30,7 @@ TEST(RunningExpressions, AllocateNothingForEachEvaluation) {
   struct Case {
     std::string few, many;
     double evaluations = 50;  // at least so many times as many
-    long more = 0;            // allocations
+    std::size_t more = 0;     // allocations
   };
   const std::string data =
       "int i; mat x[1,N]; mat y[1,N]; !v = {250, 5e-4};"
