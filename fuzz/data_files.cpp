@@ -2,6 +2,9 @@
 // more memory is taken than it could fill, and a file that is refused leaves the globals as they
 // were.
 
+#include <sys/mman.h>
+#include <unistd.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -21,8 +24,14 @@ using namespace vexa;
 constexpr std::uint64_t bytesForEachByte = 16;  // an element and its part of a row table
 constexpr std::uint64_t matrixOverhead = 64;
 
+// A file in memory, and a real one: its size is asked of the system.
 BinaryFile open(const std::uint8_t* data, std::size_t size) {
-  std::FILE* stream = ::fmemopen(const_cast<std::uint8_t*>(data), size, "rb");
+  const int descriptor = ::memfd_create("bytes", MFD_CLOEXEC);
+  if (descriptor < 0 || ::write(descriptor, data, size) != static_cast<ssize_t>(size) ||
+      ::lseek(descriptor, 0, SEEK_SET) != 0) {
+    std::abort();
+  }
+  std::FILE* stream = ::fdopen(descriptor, "rb");
   if (!stream) std::abort();
   return {stream, "bytes", BinaryFile::Purpose::read};
 }
