@@ -42,6 +42,7 @@ def scipy_functions():
              "gammainc, upper": sp.gammaincc,
              "betainc": sp.betainc, "betainc, upper": lambda a, b, x: 1 - sp.betainc(a, b, x),
              "ellipi": third, "bessj": sp.jv, "bessy": sp.yv, "bessi": sp.iv, "bessk": sp.kv,
+             "cabs": lambda x, y: np.abs(np.complex128(complex(x, y))),
              "ccos": part(np.cos), "cexp": part(np.exp), "cln": part(np.log), "csin": part(np.sin),
              "csqrt": part(np.sqrt), "ctan": part(np.tan),
              "gausspt, nodes": gauss(0), "gausspt, weights": gauss(1)}
@@ -60,7 +61,7 @@ OCTAVE = {"gammaln": "gammaln(a1)", "erf": "erf(a1)", "atan2": "atan2(a1,a2)",
           "gammainc, large a": "gammainc(a2,a1)", "gammainc, upper": "gammainc(a2,a1,'upper')",
           "betainc": "betainc(a3,a1,a2)", "betainc, upper": "betainc(a3,a1,a2,'upper')",
           "bessj": "besselj(a1,a2)", "bessy": "bessely(a1,a2)", "bessi": "besseli(a1,a2)",
-          "bessk": "besselk(a1,a2)"}
+          "bessk": "besselk(a1,a2)", "cabs": "abs(complex(a1,a2))"}
 for function in ("cos", "exp", "log", "sin", "sqrt", "tan"):
     name = {"log": "cln"}.get(function, "c" + function)
     OCTAVE[name] = f"part({function}(complex(a1,a2)),a3)"

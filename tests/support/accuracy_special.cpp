@@ -96,6 +96,7 @@ void addSpecialFunctions(std::vector<AccuracyEntry>& table) {
                               Complex (*function)(Complex)) {
     add(name, file, 4, onePart(function), partOfModulus, "2^-53 |w|");
   };
+  inPlaces("cabs", "special/hypot.csv", 1, [](Arguments v) { return complexAbs({v[0], v[1]}); });
   complex("ccos", "special/ccos.csv", complexCos);
   complex("cexp", "special/cexp.csv", complexExp);
   complex("cln", "special/cln.csv", complexLog);
