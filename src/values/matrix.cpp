@@ -117,6 +117,11 @@ void redefineMatrix(Matrix& matrix, int rows, int cols) {
   if (!matrix.reshape(rows, cols)) raiseError(ErrorKey::allocationFailed);
 }
 
+WorkVector::WorkVector(std::size_t n)
+    : m_values(static_cast<double*>(std::calloc(n + 1, sizeof(double)))), m_size(n) {
+  if (!m_values) throw std::bad_alloc();
+}
+
 std::unique_ptr<WorkVector> newVector(std::size_t n) {
   if (n == 0) {
     raiseError(ErrorKey::zeroOrder);

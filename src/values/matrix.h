@@ -11,6 +11,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <memory>
 #include <span>
 
@@ -101,16 +102,20 @@ std::unique_ptr<Matrix> newMatrix(int rows, int cols);
 // Redefines an existing matrix: new order, zeros. Raises key 28 and leaves it unchanged.
 void redefineMatrix(Matrix& matrix, int rows, int cols);
 
-// Doubles numbered from 1. newVector(0) raises key 39.
+// Doubles numbered from 1, zeros at first. newVector(0) raises key 39.
 class WorkVector {
  public:
-  explicit WorkVector(std::size_t n) : m_values(std::make_unique<double[]>(n + 1)), m_size(n) {}
+  // Throws std::bad_alloc. A long vector takes its memory as it is used.
+  explicit WorkVector(std::size_t n);
   std::size_t size() const { return m_size; }
   double& operator[](std::size_t i) { return m_values[i]; }
   double operator[](std::size_t i) const { return m_values[i]; }
 
  private:
-  std::unique_ptr<double[]> m_values;
+  struct Releaser {
+    void operator()(double* values) const { std::free(values); }
+  };
+  std::unique_ptr<double[], Releaser> m_values;
   std::size_t m_size;
 };
 std::unique_ptr<WorkVector> newVector(std::size_t n);
