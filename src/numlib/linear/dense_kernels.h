@@ -3,10 +3,11 @@
 // the processor, and the system's BLAS.
 //
 // The BLAS is opened at the first call with an order of kernelOrder or more, so that nobody else
-// waits for it; without one our own loops serve. Both add in an order of their own and fuse
-// products with sums, so their results differ in the last digits, from each other and from one
-// processor to the next; the number of processors changes nothing in ours. Below kernelOrder
-// nothing here is used for such work, and results are the same everywhere.
+// waits for it; without one, and for factorisations from frugalOrder on, our own loops serve. Both
+// add in an order of their own and fuse products with sums, so their results differ in the last
+// digits, from each other and from one processor to the next; the number of processors changes
+// nothing in ours. Below kernelOrder nothing here is used for such work, and results are the same
+// everywhere.
 #pragma once
 
 #include <cstddef>
